@@ -1,0 +1,85 @@
+// A run from start to termination.
+
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "app/Browsers.h"
+#include "app/WorkerAppDelegate.h"
+
+namespace tasselby {
+namespace {
+
+constexpr const char* kPreferenceSuite = "com.marrowgatestudios.Tasselby";
+constexpr const char* kQuit = "Quit";
+constexpr const char* kReportFormat =
+    "%@ Cookies (%@ Tracking Cookies), %@ Databases, %@ Flash, %@ Silverlight, and Cache removed "
+    "from %@";
+
+/// `format` with each "%@" replaced by the next of `values`; those without a value stay.
+std::string formatted(std::string_view format, std::initializer_list<std::string> values) {
+  std::string text;
+  for (const std::string& value : values) {
+    const std::size_t place = format.find("%@");
+    if (place == std::string_view::npos) {
+      break;
+    }
+    text.append(format.substr(0, place)).append(value);
+    format.remove_prefix(place + 2);
+  }
+  return text.append(format);
+}
+
+}  // namespace
+
+void WorkerAppDelegate::awakeFromNib() {
+  platform_.userDefaults.addSuiteNamed(kPreferenceSuite);
+  if (platform_.coreFoundationVersionNumber >= kFirstVersionWithNotifications) {
+    platform_.notificationCenter.setDelegate(this);
+  }
+}
+
+void WorkerAppDelegate::applicationDidFinishLaunching() {
+  const std::string browser = startupCheck();
+  if (browser == kQuit) {
+    platform_.application.terminate();
+  }
+  // Deliberate: no other branch. Terminating does not return.
+  clearData(browser);
+}
+
+std::string WorkerAppDelegate::startupCheck() {
+  for (const std::string& argument : platform_.application.arguments()) {
+    if (std::ranges::find(kBrowserNames, argument) != kBrowserNames.end()) {
+      return argument;
+    }
+  }
+  platform_.application.terminate();
+  return kQuit;
+}
+
+void WorkerAppDelegate::clearData(const std::string& browser) {
+  KeepList keepList;
+  if (!platform_.userDefaults.boolForKey("removeAll")) {
+    keepList = browser == "Firefox" ? getFirefoxSmartFavouritesArray() : getSmartFavouritesArray();
+  }
+
+  const CookieCounts cookies = removeCookies_keepCookies(browser, keepList);
+  const std::int64_t databases = removeNonFavLocalStorage_keep(browser, keepList);
+  const std::int64_t flash = removeFlash_keep(browser, keepList);
+  const std::int64_t silverlight = removeSilverlight(keepList);
+  removeBrowserCache(browser);
+
+  if (platform_.userDefaults.boolForKey("displayNotifications")) {
+    const std::string format = platform_.bundle.localizedString(kReportFormat, "");
+    displayNotificationWithTitle_andText(
+        "Tasselby",
+        formatted(format, {std::to_string(cookies.cookies), std::to_string(cookies.tracking),
+                           std::to_string(databases), std::to_string(flash),
+                           std::to_string(silverlight), browser}));
+  }
+  platform_.application.terminate();
+}
+
+}  // namespace tasselby

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tasselby {
+
+/// Text as the platform's strings have it, over UTF-8. Bytes that are no UTF-8 are carried along
+/// unchanged, each a character of its own; a lone surrogate in three bytes counts as the one 16-bit
+/// unit it stands for.
+
+/// Whether `text` is well-formed UTF-8.
+bool isValidUtf8(std::string_view text);
+
+/// `text` with every character lower-cased by its simple Unicode mapping, whatever the locale.
+std::string lowerCase(std::string_view text);
+
+/// The number of 16-bit units of `text`.
+std::size_t utf16Length(std::string_view text);
+
+/// `text` less the Unicode decimal digits at both of its ends.
+std::string_view trimDecimalDigits(std::string_view text);
+
+/// `text` with its 16-bit units from the last to the first. Surrogates that come to stand as a pair
+/// become its character.
+std::string reversedByUnits(std::string_view text);
+
+/// `text` with every percent escape replaced by its byte. No value when an escape lacks its two
+/// hexadecimal digits, or neighbouring escapes together are no UTF-8.
+std::optional<std::string> percentDecoded(std::string_view text);
+
+/// `component` below `base` with exactly one "/" between, also when `component` begins with one.
+/// An empty `component` leaves `base` alone.
+std::string join(const std::string& base, std::string_view component);
+
+/// Whether appending `component`, read from somebody's data, names something below the folder it is
+/// appended to, or that folder: no ".." among its parts, no NUL byte.
+bool staysBelow(std::string_view component);
+
+}  // namespace tasselby

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace tasselby {
+
+/// One message to the user.
+struct UserNotification {
+  /// Names a notification that the centre handed back; empty in one that was not yet posted.
+  std::string identifier;
+  std::string title;
+  std::string subtitle;
+  std::string informativeText;
+  bool hasActionButton = true;
+  /// No value: silent.
+  std::optional<std::string> soundName;
+  std::chrono::system_clock::time_point deliveryDate;
+};
+
+class UserNotificationCenter;
+
+/// What the centre asks about the notifications of this process.
+class UserNotificationCenterDelegate {
+ public:
+  virtual ~UserNotificationCenterDelegate() = default;
+
+  /// The user clicked `notification`.
+  virtual void userNotificationCenter_didActivateNotification(
+      UserNotificationCenter& center, const UserNotification& notification) = 0;
+
+  /// Whether to show `notification` although this process is the active application.
+  virtual bool userNotificationCenter_shouldPresentNotification(
+      UserNotificationCenter& center, const UserNotification& notification) = 0;
+};
+
+/// The system's notification service. Failures are silent, and nothing here waits for the user.
+class UserNotificationCenter {
+ public:
+  virtual ~UserNotificationCenter() = default;
+
+  /// Whom to ask from now on; not owned.
+  virtual void setDelegate(UserNotificationCenterDelegate* delegate) = 0;
+
+  /// Posts `notification` for delivery at its date.
+  virtual void scheduleNotification(const UserNotification& notification) = 0;
+
+  /// Takes `notification` off the list of those the user has been shown.
+  virtual void removeDeliveredNotification(const UserNotification& notification) = 0;
+};
+
+}  // namespace tasselby

@@ -1,0 +1,78 @@
+#include "platform/offline/OfflinePlatform.h"
+
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/HardError.h"
+
+namespace tasselby {
+namespace {
+
+// The version of the first system with a notification centre.
+constexpr double kCoreFoundationVersion = 744.0;
+
+class OfflineApplication final : public Application {
+ public:
+  OfflineApplication(std::vector<std::string> arguments, HTTPCookieStorage& cookies)
+      : arguments_(std::move(arguments)), cookies_(cookies) {}
+
+  std::vector<std::string> arguments() const override { return arguments_; }
+
+  [[noreturn]] void terminate() override {
+    cookies_.synchronize();
+    std::exit(EXIT_SUCCESS);
+  }
+
+ private:
+  std::vector<std::string> arguments_;
+  HTTPCookieStorage& cookies_;
+};
+
+/// There are no localizations: every text is its key.
+class OfflineBundle final : public Bundle {
+ public:
+  std::string localizedString(const std::string& key, const std::string& /*value*/) const override {
+    return key;
+  }
+};
+
+/// `$HOME` as an absolute path; empty when it is empty or not set.
+std::string homeFolder() {
+  const char* home = std::getenv("HOME");
+  if (home == nullptr || *home == '\0') {
+    return "";
+  }
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(home, error);
+  return error ? "" : absolute.native();
+}
+
+}  // namespace
+
+int offlineApplicationMain(int argc, char* argv[], DelegateFactory makeDelegate) {
+  const std::vector<std::string> arguments(argv, argv + argc);
+  const FileManager files(homeFolder());
+  const auto userDefaults = makeOfflineUserDefaults(arguments, files);
+  const auto keychain = makeOfflineKeychain(files);
+  const auto cookieStorage = makeOfflineCookieStorage(files);
+  const auto notifications = makeDesktopNotifications();
+  OfflineBundle bundle;
+  OfflineApplication application(arguments, *cookieStorage);
+
+  try {
+    const auto delegate =
+        makeDelegate(Platform{application, *userDefaults, bundle, *keychain, *cookieStorage,
+                              *notifications, files, kCoreFoundationVersion});
+    delegate->awakeFromNib();
+    delegate->applicationDidFinishLaunching();
+  } catch (const std::exception&) {
+    cookieStorage->synchronize();
+    return kHardErrorStatus;
+  }
+  return EXIT_SUCCESS;
+}
+
+}  // namespace tasselby

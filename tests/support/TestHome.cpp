@@ -1,0 +1,81 @@
+#include "tests/support/TestHome.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <stdlib.h>
+
+namespace tasselby {
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string bytesOf(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+}  // namespace
+
+TestHome::TestHome() {
+  std::string pattern = (fs::temp_directory_path() / "tasselby-XXXXXX").native();
+  root_ = fs::path(::mkdtemp(pattern.data()));
+  fs::create_directories(home());
+}
+
+TestHome::~TestHome() {
+  std::error_code ignored;
+  fs::remove_all(root_, ignored);
+}
+
+TestHome& TestHome::file(const std::string& path, const std::string& contents) {
+  const fs::path full = this->path(path);
+  fs::create_directories(full.parent_path());
+  std::ofstream(full, std::ios::binary) << contents;
+  return *this;
+}
+
+TestHome& TestHome::folder(const std::string& path) {
+  fs::create_directories(this->path(path));
+  return *this;
+}
+
+TestHome& TestHome::link(const std::string& path, const std::string& target) {
+  const fs::path full = this->path(path);
+  fs::create_directories(full.parent_path());
+  fs::create_symlink(target, full);
+  return *this;
+}
+
+bool TestHome::has(const std::string& path) const {
+  return fs::exists(fs::symlink_status(this->path(path)));
+}
+
+Names TestHome::list(const std::string& path) const {
+  Names names;
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(this->path(path), ignored)) {
+    names.push_back(entry.path().filename().native());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string TestHome::contents(const std::string& path) const {
+  return bytesOf(this->path(path));
+}
+
+std::map<std::string, std::string> TestHome::snapshot() const {
+  std::map<std::string, std::string> entries;
+  for (const auto& entry : fs::recursive_directory_iterator(root_)) {
+    std::string& contents = entries[entry.path().lexically_relative(root_).native()];
+    if (entry.is_symlink()) {
+      contents = fs::read_symlink(entry.path()).native();
+    } else {
+      contents = entry.is_directory() ? "/" : bytesOf(entry.path());
+    }
+  }
+  return entries;
+}
+
+}  // namespace tasselby

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tasselby {
+
+using Names = std::vector<std::string>;
+
+/// A home folder `.../Users/anna` on a volume of its own in a temporary folder, removed at the end.
+/// Paths are relative to the home folder.
+class TestHome {
+ public:
+  TestHome();
+  TestHome(const TestHome&) = delete;
+  TestHome& operator=(const TestHome&) = delete;
+  ~TestHome();
+
+  /// Each makes the folders above as needed and answers the home for the next call.
+  TestHome& file(const std::string& path, const std::string& contents = "contents");
+  TestHome& folder(const std::string& path);
+  TestHome& link(const std::string& path, const std::string& target);
+
+  /// The full path of the home folder, of `path` in it, and of the volume's folder.
+  std::string home() const { return (root_ / "Users/anna").native(); }
+  std::string path(const std::string& path) const { return home() + "/" + path; }
+  std::string volume() const { return root_.native(); }
+
+  /// Whether there is an entry at `path`, a dangling link included.
+  bool has(const std::string& path) const;
+
+  /// The names in the folder at `path`, sorted; none when it is missing.
+  Names list(const std::string& path) const;
+
+  /// The bytes of the file at `path`.
+  std::string contents(const std::string& path) const;
+
+  /// Every entry of the volume with its contents: "/" for a folder, the target of a link.
+  std::map<std::string, std::string> snapshot() const;
+
+ private:
+  std::filesystem::path root_;
+};
+
+}  // namespace tasselby

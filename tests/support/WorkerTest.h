@@ -1,0 +1,72 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/WorkerAppDelegate.h"
+#include "platform/offline/OfflinePlatform.h"
+#include "tests/support/TestHome.h"
+
+namespace tasselby {
+
+/// What the recording application throws where a real one would end the process.
+struct Terminated {};
+
+class RecordingApplication final : public Application {
+ public:
+  std::vector<std::string> arguments() const override { return given; }
+  void terminate() override { throw Terminated(); }
+
+  std::vector<std::string> given;
+};
+
+/// Preferences that are true for the names in `on`.
+class SetDefaults final : public UserDefaults {
+ public:
+  void addSuiteNamed(const std::string& suite) override { suites.push_back(suite); }
+  bool boolForKey(const std::string& key) const override { return on.contains(key); }
+
+  std::vector<std::string> suites;
+  std::set<std::string> on;
+};
+
+class KeyBundle final : public Bundle {
+ public:
+  std::string localizedString(const std::string& key, const std::string&) const override {
+    return key;
+  }
+};
+
+class RecordingCenter final : public UserNotificationCenter {
+ public:
+  void setDelegate(UserNotificationCenterDelegate* to) override { delegate = to; }
+  void scheduleNotification(const UserNotification& notification) override {
+    scheduled.push_back(notification);
+  }
+  void removeDeliveredNotification(const UserNotification& notification) override {
+    removed.push_back(notification.identifier);
+  }
+
+  UserNotificationCenterDelegate* delegate = nullptr;
+  std::vector<UserNotification> scheduled;
+  std::vector<std::string> removed;
+};
+
+/// A worker over a home folder of plain files. What has no file records instead.
+class WorkerTest : public ::testing::Test {
+ protected:
+  TestHome home;
+  RecordingApplication application;
+  SetDefaults defaults;
+  KeyBundle bundle;
+  RecordingCenter center;
+  FileManager files{home.home()};
+  std::unique_ptr<Keychain> keychain = makeOfflineKeychain(files);
+  std::unique_ptr<HTTPCookieStorage> cookieStorage = makeOfflineCookieStorage(files);
+  Platform platform{application, defaults, bundle, *keychain, *cookieStorage, center, files, 744.0};
+  WorkerAppDelegate worker{platform};
+};
+
+}  // namespace tasselby
