@@ -4,6 +4,9 @@
 #include <fstream>
 #include <iterator>
 #include <stdlib.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace tasselby {
 namespace fs = std::filesystem;
@@ -44,6 +47,18 @@ TestHome& TestHome::link(const std::string& path, const std::string& target) {
   const fs::path full = this->path(path);
   fs::create_directories(full.parent_path());
   fs::create_symlink(target, full);
+  return *this;
+}
+
+TestHome& TestHome::socket(const std::string& path) {
+  const fs::path full = this->path(path);
+  fs::create_directories(full.parent_path());
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  full.native().copy(address.sun_path, sizeof address.sun_path - 1);
+  const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  ::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  ::close(descriptor);
   return *this;
 }
 

@@ -23,6 +23,9 @@ class TestHome {
   TestHome& folder(const std::string& path);
   TestHome& link(const std::string& path, const std::string& target);
 
+  /// A Unix socket: nobody can open one for writing, the superuser included.
+  TestHome& socket(const std::string& path);
+
   /// The full path of the home folder, of `path` in it, and of the volume's folder.
   std::string home() const { return (root_ / "Users/anna").native(); }
   std::string path(const std::string& path) const { return home() + "/" + path; }
