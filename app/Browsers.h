@@ -3,6 +3,9 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "platform/FileManager.h"
 
 namespace tasselby {
 
@@ -28,5 +31,9 @@ std::string cacheRoot(std::string_view browser);
 /// The folder of Firefox's profiles, and the data folder of Camino; with a leading "~".
 inline constexpr const char* kFirefoxProfiles = "~/Library/Application Support/Firefox/Profiles/";
 inline constexpr const char* kCaminoData = "~/Library/Application Support/Camino";
+
+/// The full paths of the files `name` in Firefox's profile folders, in the order the folders are
+/// listed. Every folder among the profiles counts as one, and a link to a folder does not.
+std::vector<std::string> firefoxDatabases(const FileManager& files, const std::string& name);
 
 }  // namespace tasselby

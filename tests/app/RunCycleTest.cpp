@@ -1,0 +1,78 @@
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "tests/support/WorkerTest.h"
+
+namespace tasselby {
+namespace {
+
+class RunCycleTest : public WorkerTest {
+ protected:
+  WorkerAppDelegate workerAtVersion(double version) {
+    Platform other = platform;
+    other.coreFoundationVersionNumber = version;
+    return WorkerAppDelegate(other);
+  }
+};
+
+TEST_F(RunCycleTest, TakesTheFirstArgumentThatIsABrowser) {
+  application.given = {"/worker", "-x", "Firefox", "Safari"};
+  EXPECT_EQ(worker.startupCheck(), "Firefox");
+  application.given = {"Opera", "Firefox"};
+  EXPECT_EQ(worker.startupCheck(), "Opera");
+  for (const char* refused : {"safari", "Chrome", "Safari ", ""}) {
+    application.given = {"/worker", refused};
+    EXPECT_THROW(worker.startupCheck(), Terminated) << refused;
+    EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated) << refused;
+  }
+  EXPECT_TRUE(center.scheduled.empty());
+}
+
+TEST_F(RunCycleTest, ReportsInTheSubtitleOnlyWhenAsked) {
+  application.given = {"/worker", "WebKit"};
+  EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated);
+  EXPECT_TRUE(center.scheduled.empty());
+
+  defaults.on = {"displayNotifications"};
+  EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated);
+  ASSERT_EQ(center.scheduled.size(), 1U);
+  const UserNotification& notification = center.scheduled[0];
+  EXPECT_EQ(notification.title, "Tasselby");
+  EXPECT_EQ(
+      notification.subtitle,
+      "0 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache removed "
+      "from WebKit");
+  EXPECT_EQ(notification.informativeText, "");
+  EXPECT_FALSE(notification.hasActionButton);
+  EXPECT_FALSE(notification.soundName);
+}
+
+TEST_F(RunCycleTest, AsksTheSystemsVersionAndThePreferenceBeforePosting) {
+  worker.displayNotificationWithTitle_andText("title", "text");
+  defaults.on = {"displayNotifications"};
+  for (const double version : {743.9, std::nan("")}) {
+    WorkerAppDelegate old = workerAtVersion(version);
+    old.awakeFromNib();
+    old.displayNotificationWithTitle_andText("title", "text");
+  }
+  EXPECT_EQ(center.delegate, nullptr);
+  EXPECT_TRUE(center.scheduled.empty());
+
+  worker.awakeFromNib();
+  worker.displayNotificationWithTitle_andText("title", "text");
+  EXPECT_EQ(center.delegate, &worker);
+  EXPECT_EQ(center.scheduled.size(), 1U);
+  EXPECT_EQ(defaults.suites, std::vector<std::string>(3, "com.marrowgatestudios.Tasselby"));
+}
+
+TEST_F(RunCycleTest, AnswersTheNotificationCentre) {
+  UserNotification clicked;
+  clicked.identifier = "clicked";
+  EXPECT_TRUE(worker.userNotificationCenter_shouldPresentNotification(center, clicked));
+  worker.userNotificationCenter_didActivateNotification(center, clicked);
+  EXPECT_EQ(center.removed, std::vector<std::string>{"clicked"});
+}
+
+}  // namespace
+}  // namespace tasselby
