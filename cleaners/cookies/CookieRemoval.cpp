@@ -1,0 +1,89 @@
+// Deletes the cookies that the inventory found. The counts are the inventory's own, whatever comes
+// of the deletions.
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "app/Browsers.h"
+#include "app/WorkerAppDelegate.h"
+#include "cleaners/cookies/CookieStores.h"
+#include "platform/Text.h"
+#include "storage/SqlText.h"
+#include "storage/Sqlite.h"
+
+namespace tasselby {
+namespace {
+
+/// Deletes the row that `record` came from, and any other with its host and identifying value. A
+/// record without one of them is passed over.
+void deleteRow(Sqlite& database, const CookieStore& store, const CookieRecord& record) {
+  const Row& row = std::get<Row>(record);
+  const std::string* host = row.text(store.hostColumn);
+  const std::string* identifier = row.text(store.identifyingColumn);
+  if (host != nullptr && identifier != nullptr) {
+    database.executeQuery(
+        formatted(store.deleteFormat, {doubledQuotes(*host), doubledQuotes(*identifier)}));
+  }
+}
+
+/// Deletes every record over one connection.
+///
+/// Deliberate: from every profile's database, since a record does not remember its own. A row of
+/// another profile with the same host and number goes too.
+void deleteMozillaRows(const std::string& path, const std::vector<CookieRecord>& records) {
+  Sqlite database;
+  if (!FileManager::fileExistsAtPath(path) || !database.open(path)) {
+    return;
+  }
+  for (const CookieRecord& record : records) {
+    deleteRow(database, kMozillaCookies, record);
+  }
+}
+
+/// Deliberate: every record gets a connection of its own.
+void deleteChromiumRows(const std::string& path, const std::vector<CookieRecord>& records) {
+  for (const CookieRecord& record : records) {
+    Sqlite database;
+    if (FileManager::fileExistsAtPath(path) && database.open(path)) {
+      deleteRow(database, kChromiumCookies, record);
+    }
+  }
+}
+
+}  // namespace
+
+CookieCounts WorkerAppDelegate::removeCookies_keepCookies(const std::string& browser,
+                                                          const KeepList& keepList) {
+  const CookieInventory inventory = cookies_keepCookies(browser, keepList);
+  const std::vector<CookieRecord>& records = inventory.removalList;
+  const FileManager& files = platform_.files;
+  if (browser == "Safari") {
+    deleteSafariCookies(records);
+  } else if (browser == "Firefox") {
+    for (const std::string& path : firefoxDatabases(files, kMozillaCookies.fileName)) {
+      deleteMozillaRows(path, records);
+    }
+  } else if (browser == "Camino") {
+    deleteMozillaRows(join(files.expandTilde(kCaminoData), kMozillaCookies.fileName), records);
+  } else if (isChromiumLike(browser)) {
+    const std::vector<std::string> folders = profileFolders(browser);
+    deleteChromeChannelID_keep(browser, keepList);
+    const std::string data = files.expandTilde(dataRoot(browser));
+    for (const std::string& folder : folders) {
+      deleteChromiumRows(join(join(data, folder), kChromiumCookies.fileName), records);
+    }
+  }
+  return {inventory.cookieCount, inventory.trackingCount};
+}
+
+void WorkerAppDelegate::deleteSafariCookies(const std::vector<CookieRecord>& cookies) {
+  HTTPCookieStorage& storage = platform_.cookieStorage;
+  for (const CookieRecord& cookie : cookies) {
+    storage.deleteCookie(std::get<HTTPCookie>(cookie));
+  }
+  // Whatever ends the run from here on, these deletions have been made.
+  storage.synchronize();
+}
+
+}  // namespace tasselby

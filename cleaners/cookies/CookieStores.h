@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tasselby {
+
+/// How a family of browsers keeps cookies in databases.
+struct CookieStore {
+  /// The database's name in a profile folder.
+  const char* fileName;
+  /// Answers all rows.
+  const char* select;
+  const char* hostColumn;
+  /// The column that with the host tells a row from the others of its database.
+  const char* identifyingColumn;
+  /// Deletes a row by its host and its identifying value, in this order.
+  const char* deleteFormat;
+};
+
+inline constexpr CookieStore kChromiumCookies = {
+    "Cookies", "SELECT * FROM cookies;", "host_key", "creation_utc",
+    "DELETE FROM cookies WHERE host_key = '%@' AND creation_utc = '%@';"};
+
+inline constexpr CookieStore kMozillaCookies = {
+    "cookies.sqlite", "SELECT * FROM moz_cookies;", "host", "id",
+    "DELETE FROM moz_cookies WHERE host = '%@' AND id = '%@';"};
+
+/// The column with a cookie's name, in every store.
+inline constexpr const char* kCookieNameColumn = "name";
+
+}  // namespace tasselby

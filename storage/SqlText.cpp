@@ -1,0 +1,33 @@
+#include "storage/SqlText.h"
+
+#include "platform/Text.h"
+#include "storage/Sqlite.h"
+
+namespace tasselby {
+
+std::string doubledQuotes(std::string_view text) {
+  std::string doubled;
+  for (const char c : text) {
+    doubled.append(c == '\'' ? 2 : 1, c);
+  }
+  return doubled;
+}
+
+void executeListStatement(Sqlite& database, const std::string& format,
+                          const std::vector<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names) {
+    // Deliberate: quotes are not doubled here. A name that would end its text early fails the
+    // statement, whatever the rest of it would have made of the list.
+    if (name.find('\'') != std::string::npos) {
+      return;
+    }
+    if (&name != &names.front()) {
+      list += "','";
+    }
+    list += name;
+  }
+  database.executeQuery(formatted(format, {list}));
+}
+
+}  // namespace tasselby
