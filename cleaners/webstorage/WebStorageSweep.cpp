@@ -1,0 +1,176 @@
+// Web databases and local storage, by browser, and the browsers' own indexes of them.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/Browsers.h"
+#include "app/WorkerAppDelegate.h"
+#include "platform/Text.h"
+#include "storage/Disposal.h"
+#include "storage/SqlText.h"
+#include "storage/Sqlite.h"
+
+namespace tasselby {
+namespace {
+
+using Names = std::vector<std::string>;
+
+constexpr const char* kDeleteDatabases = "DELETE FROM Databases WHERE origin IN ('%@');";
+constexpr const char* kDeleteOrigins = "DELETE FROM Origins WHERE origin IN ('%@');";
+constexpr const char* kDeleteOtherOrigins = "DELETE FROM Origins WHERE origin NOT IN ('%@');";
+constexpr const char* kDeleteScopes = "DELETE FROM webappsstore2 WHERE scope IN ('%@');";
+
+/// What every step of a sweep needs. Each step answers how many items it chose.
+struct Sweep {
+  const WorkerAppDelegate& worker;
+  const KeepList& keepList;
+  bool secure;
+};
+
+bool openIfThere(Sqlite& database, const std::string& path) {
+  return FileManager::fileExistsAtPath(path) && database.open(path);
+}
+
+/// Appends the texts under `column` that `sql` answers; other values are passed over.
+void appendTexts(Sqlite& database, const char* sql, std::string_view column, Names& texts) {
+  for (const Row& row : database.executeQuery(sql).value_or(RowList{})) {
+    if (const std::string* text = row.text(column)) {
+      texts.push_back(*text);
+    }
+  }
+}
+
+std::string withoutExtension(const std::string& name) {
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
+}
+
+/// Disposes of the items of `folder` that an index names. An index is somebody's data: a name that
+/// leads out of the folder is passed over.
+void disposeOfOrigins(const std::string& folder, const Names& origins, bool secure) {
+  for (const std::string& origin : origins) {
+    if (staysBelow(origin)) {
+      dispose(join(folder, origin), secure);
+    }
+  }
+}
+
+std::int64_t countOf(const Names& chosen) {
+  return static_cast<std::int64_t>(chosen.size());
+}
+
+Names chosenOrigins(const Sweep& sweep, Sqlite& index) {
+  Names origins;
+  appendTexts(index, "SELECT origin FROM Databases;", "origin", origins);
+  return sweep.worker.databaseArray_keep(origins, sweep.keepList);
+}
+
+std::int64_t sweepSafariDatabases(const Sweep& sweep, const std::string& folder) {
+  Sqlite index;
+  if (!openIfThere(index, join(folder, "Databases.db"))) {
+    return 0;
+  }
+  const Names chosen = chosenOrigins(sweep, index);
+  // Deliberate: the files before two tables, where Chromium has its one table before the files.
+  disposeOfOrigins(folder, chosen, sweep.secure);
+  executeListStatement(index, kDeleteDatabases, chosen);
+  executeListStatement(index, kDeleteOrigins, chosen);
+  return countOf(chosen);
+}
+
+std::int64_t sweepChromiumDatabases(const Sweep& sweep, const std::string& folder) {
+  Sqlite index;
+  if (!openIfThere(index, join(folder, "Databases.db"))) {
+    return 0;
+  }
+  const Names chosen = chosenOrigins(sweep, index);
+  executeListStatement(index, kDeleteDatabases, chosen);
+  disposeOfOrigins(folder, chosen, sweep.secure);
+  return countOf(chosen);
+}
+
+std::int64_t sweepSafariFiles(const Sweep& sweep, const std::string& folder) {
+  const Names chosen = sweep.worker.localStorageArray_browser_keep(
+      FileManager::contentsOfDirectoryAtPath(folder), "Safari", sweep.keepList);
+  for (const std::string& name : chosen) {
+    dispose(join(folder, name), sweep.secure);
+  }
+  return countOf(chosen);
+}
+
+std::int64_t sweepChromiumFiles(const Sweep& sweep, const std::string& folder,
+                                const std::string& browser) {
+  const Names chosen = sweep.worker.localStorageArray_browser_keep(
+      FileManager::contentsOfDirectoryAtPath(folder), browser, sweep.keepList);
+  for (const std::string& name : chosen) {
+    const std::string path = join(folder, name);
+    dispose(path, sweep.secure);
+    dispose(path + "-journal", sweep.secure);
+  }
+  return countOf(chosen);
+}
+
+/// Deletes the tracker's rows for files that `folder` no longer has.
+///
+/// Deliberate: by naming what is left, not what was removed. A row goes whenever its file is
+/// missing for any reason, and stays with a file that could not be wiped.
+void pruneTracker(const std::string& folder) {
+  Sqlite tracker;
+  if (!openIfThere(tracker, join(folder, "StorageTracker.db"))) {
+    return;
+  }
+  Names left = FileManager::contentsOfDirectoryAtPath(folder);
+  for (std::string& name : left) {
+    name = withoutExtension(name);
+  }
+  executeListStatement(tracker, kDeleteOtherOrigins, left);
+}
+
+/// Sweeps one "webappsstore.sqlite", whose scopes join those already in `scopes`.
+std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& scopes) {
+  Sqlite store;
+  if (!openIfThere(store, path)) {
+    return 0;
+  }
+  appendTexts(store, "SELECT * FROM webappsstore2;", "scope", scopes);
+  const Names chosen = sweep.worker.mozillaLocalStorage_keep(scopes, sweep.keepList);
+  executeListStatement(store, kDeleteScopes, chosen);
+  return countOf(chosen);
+}
+
+}  // namespace
+
+std::int64_t WorkerAppDelegate::removeNonFavLocalStorage_keep(const std::string& browser,
+                                                              const KeepList& keepList) {
+  const Sweep sweep{*this, keepList, platform_.userDefaults.boolForKey("secureDeleteData")};
+  const FileManager& files = platform_.files;
+  std::int64_t count = 0;
+  if (browser == "Safari") {
+    count += sweepSafariDatabases(sweep, files.expandTilde("~/Library/Safari/Databases"));
+    const std::string localStorage = files.expandTilde("~/Library/Safari/LocalStorage");
+    count += sweepSafariFiles(sweep, localStorage);
+    pruneTracker(localStorage);
+  } else if (isChromiumLike(browser)) {
+    for (const std::string& folder : profileFolders(browser)) {
+      const std::string profile = join(files.expandTilde(dataRoot(browser)), folder);
+      count += sweepChromiumDatabases(sweep, join(profile, "databases"));
+      count += sweepChromiumFiles(sweep, join(profile, "Local Storage"), browser);
+    }
+  } else if (browser == "Camino") {
+    Names scopes;
+    const std::string store = join(files.expandTilde(kCaminoData), "webappsstore.sqlite");
+    count += sweepScopes(sweep, store, scopes);
+  } else if (browser == "Firefox") {
+    // Deliberate: one list for all profiles. What an earlier profile held is offered, deleted and
+    // counted again with every later one.
+    Names scopes;
+    for (const std::string& store : firefoxDatabases(files, "webappsstore.sqlite")) {
+      count += sweepScopes(sweep, store, scopes);
+    }
+  }
+  return count;
+}
+
+}  // namespace tasselby
