@@ -1,0 +1,25 @@
+#include "cleaners/plugins/FlashNames.h"
+
+#include "platform/FileManager.h"
+#include "platform/Text.h"
+
+namespace tasselby {
+
+void visitFlashSettings(const std::string& folder,
+                        const std::function<void(const std::string& host, const std::string& entry,
+                                                 FlashEntry kind)>& visit) {
+  for (const std::string& entry : FileManager::contentsOfDirectoryAtPath(folder)) {
+    if (!entry.starts_with("#")) {
+      continue;
+    }
+    if (!entry.starts_with("##")) {
+      visit(flashHost(entry.substr(1)), entry, FlashEntry::kHost);
+      continue;
+    }
+    for (const std::string& name : FileManager::contentsOfDirectoryAtPath(join(folder, entry))) {
+      visit(flashHost(name), join(entry, name), FlashEntry::kInGroup);
+    }
+  }
+}
+
+}  // namespace tasselby

@@ -1,0 +1,59 @@
+// The Flash player inside Google Chrome and Chromium: the same tree in every profile, with the
+// settings below the folder of stored objects.
+
+#include <optional>
+#include <set>
+#include <string>
+
+#include "app/Browsers.h"
+#include "app/WorkerAppDelegate.h"
+#include "cleaners/plugins/FlashNames.h"
+#include "keep/WorkerExtras.h"
+#include "platform/Text.h"
+#include "storage/Disposal.h"
+
+namespace tasselby {
+namespace {
+
+constexpr const char* kStore = "/Pepper Data/Shockwave Flash/WritableRoot/#SharedObjects";
+
+}  // namespace
+
+std::optional<PepperFlashCounts> WorkerAppDelegate::clearChromeFlash_keep(
+    const std::string& browser, const KeepList& keepList) {
+  const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
+  if (!hasChromiumProfiles(browser)) {
+    return std::nullopt;
+  }
+  std::set<std::string> seen;
+  std::set<std::string> removed;
+  const std::string data = platform_.files.expandTilde(dataRoot(browser));
+  for (const std::string& profile : profileFolders(browser)) {
+    const auto judge = [&](const std::string& host, const std::string& path) {
+      const std::string pair = profile + ":" + host;
+      seen.insert(pair);
+      if (!keepList.contains(WorkerExtras::siteWithDomainName(host))) {
+        removed.insert(pair);
+        dispose(path, secure);
+      }
+    };
+    const std::string store = join(data, profile) + kStore;
+    for (const std::string& random : FileManager::contentsOfDirectoryAtPath(store)) {
+      const std::string folder = join(store, random);
+      for (const std::string& name : FileManager::contentsOfDirectoryAtPath(folder)) {
+        if (name == kFlashSettingsDomain) {
+          const std::string settings = join(folder, kFlashSettings);
+          visitFlashSettings(settings,
+                             [&](const std::string& host, const std::string& entry,
+                                 FlashEntry /*kind*/) { judge(host, join(settings, entry)); });
+        } else if (!name.starts_with(".")) {
+          judge(flashHost(name), join(folder, name));
+        }
+      }
+    }
+  }
+  return PepperFlashCounts{static_cast<std::int32_t>(seen.size()),
+                           static_cast<std::int32_t>(removed.size())};
+}
+
+}  // namespace tasselby
