@@ -2,7 +2,7 @@
 
 #include "app/WorkerAppDelegate.h"
 
-#if defined(__APPLE__)
+#if defined(TASSELBY_MACOS)
 #include "platform/macos/MacPlatform.h"
 #else
 #include "platform/offline/OfflinePlatform.h"
@@ -17,7 +17,7 @@ std::unique_ptr<tasselby::ApplicationDelegate> makeDelegate(const tasselby::Plat
 }  // namespace
 
 int main(int argc, char* argv[]) {
-#if defined(__APPLE__)
+#if defined(TASSELBY_MACOS)
   return tasselby::macApplicationMain(argc, argv, makeDelegate);
 #else
   return tasselby::offlineApplicationMain(argc, argv, makeDelegate);

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 
 #include "platform/FileManager.h"
-#include "tests/support/TestHome.h"
+#include "samples/ScratchHome.h"
 
 namespace tasselby {
 namespace {
@@ -19,7 +19,7 @@ TEST(FileManager, KnowsTheHomeAndTheVolumeItIsOn) {
 }
 
 TEST(FileManager, FollowsLinksOnlyWhereItSaysSo) {
-  TestHome home;
+  ScratchHome home;
   home.file("folder/.hidden")
       .link("link", "folder")
       .link("dangling", "nowhere")
@@ -33,7 +33,7 @@ TEST(FileManager, FollowsLinksOnlyWhereItSaysSo) {
 }
 
 TEST(FileManager, ReadsOnlyRegularFilesAndNeverWaits) {
-  TestHome home;
+  ScratchHome home;
   home.file("text", "\xC3\xBC").file("bytes", "\xFF");
   ASSERT_EQ(::mkfifo(home.path("fifo").c_str(), 0600), 0);
 
@@ -48,7 +48,7 @@ TEST(FileManager, ReadsOnlyRegularFilesAndNeverWaits) {
 }
 
 TEST(FileManager, RemovesTreesAndNeverWhatLinksName) {
-  TestHome home;
+  ScratchHome home;
   home.file("canary/file").file("tree/deep/er/file").link("tree/deep/link", "../../canary");
   home.link("tree/root", "/").link("link", "canary").link("dangling", "nowhere");
 
@@ -62,7 +62,7 @@ TEST(FileManager, RemovesTreesAndNeverWhatLinksName) {
 }
 
 TEST(FileManager, EnumeratesEveryDepthUntilToldToStop) {
-  TestHome home;
+  ScratchHome home;
   home.file("tree/a/b/.c").file("tree/d").file("outside/e").link("tree/link", "../outside");
   Names visited;
   const auto visit = [&visited](const std::string& path) {

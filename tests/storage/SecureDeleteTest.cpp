@@ -8,9 +8,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "samples/ScratchHome.h"
 #include "storage/Disposal.h"
 #include "storage/SecureDelete.h"
-#include "tests/support/TestHome.h"
 
 namespace tasselby {
 namespace {
@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kBuffer = 1024;
 
 TEST(SecureDelete, RepeatsOneBufferOverTheWholeFile) {
-  TestHome home;
+  ScratchHome home;
   // One size below and one above what a single call gathers, neither a multiple of the buffer's.
   for (const std::size_t size : {std::size_t{5000}, kBuffer * 1024 * 2 + 5}) {
     home.file("file", std::string(size, 'x'));
@@ -38,7 +38,7 @@ TEST(SecureDelete, RepeatsOneBufferOverTheWholeFile) {
 }
 
 TEST(SecureDelete, FailsOnOtherPhasesAndWhatCannotBeOpened) {
-  TestHome home;
+  ScratchHome home;
   home.file("file", "kept").file("empty", "").socket("socket");
 
   EXPECT_FALSE(SecureDelete::wipe_phase(home.path("file"), 0));
@@ -51,7 +51,7 @@ TEST(SecureDelete, FailsOnOtherPhasesAndWhatCannotBeOpened) {
 }
 
 TEST(SecureDelete, CountsOnlyTheLowHalfOfTheSize) {
-  TestHome home;
+  ScratchHome home;
   home.file("file", "start");
   std::error_code error;
   std::filesystem::resize_file(home.path("file"), (std::uintmax_t{1} << 32) + 2, error);
@@ -66,7 +66,7 @@ TEST(SecureDelete, CountsOnlyTheLowHalfOfTheSize) {
 }
 
 TEST(SecureDelete, SubtractsWhatAFailedWriteAnswered) {
-  TestHome home;
+  ScratchHome home;
   home.file("file", "");
   // A file can grow to 4 KiB here. Of its 2^32 - 8 bytes the first 4096 are written; the rest fail
   // with -1 each, which adds to the count, until it wraps to 0 after 8 + 4096 failures.
@@ -90,7 +90,7 @@ TEST(SecureDelete, SubtractsWhatAFailedWriteAnswered) {
 }
 
 TEST(Disposal, RemovesOnlyWhatCouldBeWiped) {
-  TestHome home;
+  ScratchHome home;
   home.file("file")
       .file("folder/inside", "as it was")
       .file("target", "secret")

@@ -1,14 +1,14 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "samples/ScratchHome.h"
 #include "storage/Sqlite.h"
-#include "tests/support/TestHome.h"
 
 namespace tasselby {
 namespace {
 
 struct SqliteTest : ::testing::Test {
-  TestHome home;
+  ScratchHome home;
   Sqlite sqlite;
 };
 

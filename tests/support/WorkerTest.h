@@ -7,7 +7,7 @@
 
 #include "app/WorkerAppDelegate.h"
 #include "platform/offline/OfflinePlatform.h"
-#include "tests/support/TestHome.h"
+#include "samples/ScratchHome.h"
 
 namespace tasselby {
 
@@ -57,7 +57,7 @@ class RecordingCenter final : public UserNotificationCenter {
 /// A worker over a home folder of plain files. What has no file records instead.
 class WorkerTest : public ::testing::Test {
  protected:
-  TestHome home;
+  ScratchHome home;
   RecordingApplication application;
   SetDefaults defaults;
   KeyBundle bundle;

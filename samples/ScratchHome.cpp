@@ -1,4 +1,4 @@
-#include "tests/support/TestHome.h"
+#include "samples/ScratchHome.h"
 
 #include <algorithm>
 #include <fstream>
@@ -20,37 +20,37 @@ std::string bytesOf(const fs::path& path) {
 
 }  // namespace
 
-TestHome::TestHome() {
+ScratchHome::ScratchHome() {
   std::string pattern = (fs::temp_directory_path() / "tasselby-XXXXXX").native();
   root_ = fs::path(::mkdtemp(pattern.data()));
   fs::create_directories(home());
 }
 
-TestHome::~TestHome() {
+ScratchHome::~ScratchHome() {
   std::error_code ignored;
   fs::remove_all(root_, ignored);
 }
 
-TestHome& TestHome::file(const std::string& path, const std::string& contents) {
+ScratchHome& ScratchHome::file(const std::string& path, const std::string& contents) {
   const fs::path full = this->path(path);
   fs::create_directories(full.parent_path());
   std::ofstream(full, std::ios::binary) << contents;
   return *this;
 }
 
-TestHome& TestHome::folder(const std::string& path) {
+ScratchHome& ScratchHome::folder(const std::string& path) {
   fs::create_directories(this->path(path));
   return *this;
 }
 
-TestHome& TestHome::link(const std::string& path, const std::string& target) {
+ScratchHome& ScratchHome::link(const std::string& path, const std::string& target) {
   const fs::path full = this->path(path);
   fs::create_directories(full.parent_path());
   fs::create_symlink(target, full);
   return *this;
 }
 
-TestHome& TestHome::socket(const std::string& path) {
+ScratchHome& ScratchHome::socket(const std::string& path) {
   const fs::path full = this->path(path);
   fs::create_directories(full.parent_path());
   sockaddr_un address{};
@@ -62,11 +62,11 @@ TestHome& TestHome::socket(const std::string& path) {
   return *this;
 }
 
-bool TestHome::has(const std::string& path) const {
+bool ScratchHome::has(const std::string& path) const {
   return fs::exists(fs::symlink_status(this->path(path)));
 }
 
-Names TestHome::list(const std::string& path) const {
+Names ScratchHome::list(const std::string& path) const {
   Names names;
   std::error_code ignored;
   for (const auto& entry : fs::directory_iterator(this->path(path), ignored)) {
@@ -76,11 +76,11 @@ Names TestHome::list(const std::string& path) const {
   return names;
 }
 
-std::string TestHome::contents(const std::string& path) const {
+std::string ScratchHome::contents(const std::string& path) const {
   return bytesOf(this->path(path));
 }
 
-std::map<std::string, std::string> TestHome::snapshot() const {
+std::map<std::string, std::string> ScratchHome::snapshot() const {
   std::map<std::string, std::string> entries;
   for (const auto& entry : fs::recursive_directory_iterator(root_)) {
     std::string& contents = entries[entry.path().lexically_relative(root_).native()];

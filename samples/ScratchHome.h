@@ -11,20 +11,20 @@ using Names = std::vector<std::string>;
 
 /// A home folder `.../Users/anna` on a volume of its own in a temporary folder, removed at the end.
 /// Paths are relative to the home folder.
-class TestHome {
+class ScratchHome {
  public:
-  TestHome();
-  TestHome(const TestHome&) = delete;
-  TestHome& operator=(const TestHome&) = delete;
-  ~TestHome();
+  ScratchHome();
+  ScratchHome(const ScratchHome&) = delete;
+  ScratchHome& operator=(const ScratchHome&) = delete;
+  ~ScratchHome();
 
   /// Each makes the folders above as needed and answers the home for the next call.
-  TestHome& file(const std::string& path, const std::string& contents = "contents");
-  TestHome& folder(const std::string& path);
-  TestHome& link(const std::string& path, const std::string& target);
+  ScratchHome& file(const std::string& path, const std::string& contents = "contents");
+  ScratchHome& folder(const std::string& path);
+  ScratchHome& link(const std::string& path, const std::string& target);
 
   /// A Unix socket: nobody can open one for writing, the superuser included.
-  TestHome& socket(const std::string& path);
+  ScratchHome& socket(const std::string& path);
 
   /// The full path of the home folder, of `path` in it, and of the volume's folder.
   std::string home() const { return (root_ / "Users/anna").native(); }

@@ -1,0 +1,82 @@
+#include "bench/Bench.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tasselby {
+namespace {
+
+double secondsIn(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+}  // namespace
+
+double secondsOf(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double leastRatio(int rounds, const std::function<void()>& prepare,
+                  const std::function<void()>& ours, const std::function<void()>& peer) {
+  double bestOurs = 0;
+  double bestPeer = 0;
+  for (int round = 0; round < rounds; ++round) {
+    prepare();
+    const double our = secondsOf(ours);
+    prepare();
+    const double their = secondsOf(peer);
+    bestOurs = round == 0 ? our : std::min(bestOurs, our);
+    bestPeer = round == 0 ? their : std::min(bestPeer, their);
+  }
+  return bestOurs / bestPeer;
+}
+
+Usage usageOf(const std::vector<std::string>& command, const std::string& home) {
+  std::vector<char*> arguments;
+  for (const std::string& argument : command) {
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  }
+  arguments.push_back(nullptr);
+  Usage usage;
+  usage.elapsed = secondsOf([&] {
+    const pid_t child = ::vfork();
+    if (child == 0) {
+      const std::string variable = "HOME=" + home;
+      char* environment[] = {const_cast<char*>(variable.c_str()), nullptr};
+      ::execve(arguments[0], arguments.data(), environment);
+      ::_exit(127);
+    }
+    int status = 0;
+    rusage used{};
+    ::wait4(child, &status, 0, &used);
+    usage.processor = secondsIn(used.ru_utime) + secondsIn(used.ru_stime);
+    usage.memory = static_cast<double>(used.ru_maxrss) * 1024;
+  });
+  return usage;
+}
+
+Scratch::Scratch() {
+  std::filesystem::create_directories("build");
+  std::string pattern = std::filesystem::absolute("build/bench-XXXXXX").native();
+  root_ = ::mkdtemp(pattern.data());
+}
+
+Scratch::~Scratch() {
+  std::error_code ignored;
+  std::filesystem::remove_all(root_, ignored);
+}
+
+std::string Scratch::path(const std::string& path) const {
+  const std::filesystem::path full = std::filesystem::path(root_) / path;
+  std::filesystem::create_directories(full.parent_path());
+  return full.native();
+}
+
+}  // namespace tasselby

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tasselby {
+
+/// One line of the table: the worker's cost as a multiple of a peer's that does the same work in
+/// the same run.
+struct Comparison {
+  std::string name;
+  std::string peer;
+  double ratio = 0;
+  /// The most that `ratio` may be.
+  double bar = 0;
+};
+
+/// What a child process used.
+struct Usage {
+  /// User and system time, and elapsed time, in seconds.
+  double processor = 0;
+  double elapsed = 0;
+  /// The largest resident set, in bytes.
+  double memory = 0;
+};
+
+/// The seconds that `work` takes.
+double secondsOf(const std::function<void()>& work);
+
+/// The least of `rounds` ratios of times, ours before the peer's in each round. `prepare` runs
+/// before every measurement and is not measured.
+double leastRatio(int rounds, const std::function<void()>& prepare,
+                  const std::function<void()>& ours, const std::function<void()>& peer);
+
+/// Runs `command` with the environment of this process and `home` as its home folder.
+Usage usageOf(const std::vector<std::string>& command, const std::string& home = "/");
+
+/// A folder for one benchmark, removed at the end. On the disk the build is on, since a temporary
+/// folder may be in memory.
+class Scratch {
+ public:
+  Scratch();
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+  ~Scratch();
+
+  /// The full path of `path`, whose folders are made.
+  std::string path(const std::string& path) const;
+
+ private:
+  std::string root_;
+};
+
+// The benchmarks by room. `worker` is the path of the worker's binary.
+
+std::vector<Comparison> startBenchmarks(const std::string& worker);
+std::vector<Comparison> storageBenchmarks(const std::string& worker);
+std::vector<Comparison> cookieBenchmarks();
+std::vector<Comparison> webStorageBenchmarks(const std::string& worker);
+std::vector<Comparison> memoryBenchmarks(const std::string& worker);
+std::vector<Comparison> wholeRunBenchmarks(const std::string& worker);
+
+}  // namespace tasselby

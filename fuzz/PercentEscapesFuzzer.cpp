@@ -1,0 +1,23 @@
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "fuzz/Check.h"
+#include "platform/Text.h"
+
+using namespace tasselby;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string text(data, data + size);
+  if (const std::optional<std::string> decoded = percentDecoded(text)) {
+    check(decoded->size() <= text.size());
+    check(text.find('%') != std::string::npos || *decoded == text);
+    check(!isValidUtf8(text) || isValidUtf8(*decoded));
+  }
+  const std::string reversed = reversedByUnits(text);
+  check(utf16Length(reversed) == utf16Length(text));
+  check(!isValidUtf8(text) || reversedByUnits(reversed) == text);
+  check(text.find(trimDecimalDigits(text)) != std::string::npos);
+  return 0;
+}

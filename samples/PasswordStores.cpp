@@ -1,0 +1,69 @@
+// What tells the worker what to do: preferences, saved passwords, lists of profiles.
+
+#include "samples/KeychainWriter.h"
+#include "samples/SampleStores.h"
+
+namespace tasselby {
+namespace {
+
+constexpr const char* kPreferences =
+    R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+<dict>
+	<key>displayNotifications</key>
+	<true/>
+	<key>removeAll</key>
+	<false/>
+	<key>secureDeleteData</key>
+	<false/>
+</dict>
+</plist>
+)";
+
+}  // namespace
+
+void addPreferences(const MacHome& home) {
+  home.writeFile("Library/Preferences/com.marrowgatestudios.Tasselby.plist", kPreferences);
+}
+
+void addPasswords(const MacHome& home) {
+  std::vector<SavedPassword> passwords = {
+      {.server = "mail.example.org", .authenticationType = "dflt"},
+      {.server = "printer.local"},
+      {.server = "localhost"},
+      {.server = ""},
+  };
+  std::vector<std::string> logins = {
+      "CREATE TABLE moz_logins (id INTEGER PRIMARY KEY, hostname TEXT NOT NULL, httpRealm TEXT, "
+      "formSubmitURL TEXT, usernameField TEXT NOT NULL, passwordField TEXT NOT NULL, "
+      "encryptedUsername TEXT NOT NULL, encryptedPassword TEXT NOT NULL, guid TEXT, encType "
+      "INTEGER);"};
+  for (const SampleSite& site : home.sites()) {
+    if (site.kept) {
+      passwords.push_back({.server = site.host});
+      logins.push_back(
+          "INSERT INTO moz_logins (hostname, usernameField, passwordField, "
+          "encryptedUsername, encryptedPassword) VALUES (" +
+          sqlText("https://" + site.host) + ", '', '', 'MDoE', 'MDoE');");
+    }
+  }
+  home.writeFile("Library/Keychains/login.keychain-db", keychainFile(passwords));
+  for (const std::string& profile : kFirefoxProfileNames) {
+    home.writeDatabase(
+        "Library/Application Support/Firefox/Profiles/" + profile + "/signons.sqlite", logins);
+  }
+}
+
+void addProfileLists(const MacHome& home) {
+  std::string profiles;
+  for (const std::string& name : kChromiumProfileNames) {
+    profiles += (profiles.empty() ? "" : ", ") + ("\"" + name + R"(": {"name": "Anna"})");
+  }
+  const std::string localState = R"({"profile": {"info_cache": {)" + profiles + "}}}";
+  for (const char* root : {"Google/Chrome", "Chromium"}) {
+    home.writeFile("Library/Application Support/" + std::string(root) + "/Local State", localState);
+  }
+}
+
+}  // namespace tasselby
