@@ -7,6 +7,8 @@
 #include <sqlite3.h>
 #include <thread>
 
+#include "storage/SqliteGuard.h"
+
 namespace tasselby {
 namespace {
 
@@ -35,13 +37,30 @@ Columns columnsOf(const Sqlite::Statement& statement) {
   return {std::make_shared<const std::vector<std::string>>(std::move(names)), std::move(indexes)};
 }
 
-Row rowOf(const Sqlite::Statement& statement, const Columns& columns) {
+/// The bytes that `value` holds beside itself.
+std::size_t heapOf(const Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    return text->size();
+  }
+  const auto* bytes = std::get_if<Bytes>(&value);
+  return bytes == nullptr ? 0 : bytes->size();
+}
+
+/// The ready row. Lessens `bytesLeft` by what it takes; no value once that is negative.
+std::optional<Row> rowOf(const Sqlite::Statement& statement, const Columns& columns,
+                         std::int64_t& bytesLeft) {
+  const std::size_t count = columns.indexes.size();
+  bytesLeft -= static_cast<std::int64_t>(sizeof(Row) + count * sizeof(Value));
   std::vector<Value> values;
-  values.reserve(columns.indexes.size());
+  values.reserve(count);
   for (const int index : columns.indexes) {
     values.push_back(Sqlite::columnData_columnIndex(statement, index));
+    bytesLeft -= static_cast<std::int64_t>(heapOf(values.back()));
+    if (bytesLeft < 0) {
+      return std::nullopt;
+    }
   }
-  return {columns.names, std::move(values)};
+  return Row(columns.names, std::move(values));
 }
 
 }  // namespace
@@ -59,11 +78,12 @@ bool Sqlite::open(const std::string& path) {
   if (path.find('\0') != std::string::npos) {
     return false;
   }
-  // SQLite gives "", ":memory:" and "file:..." meanings of their own; here they are relative paths.
-  const std::string plain = path.starts_with('/') ? path : "./" + path;
-  if (sqlite3_open(plain.c_str(), &db_) != SQLITE_OK) {
+  if (openGuarded(path, db_) != SQLITE_OK) {
     return false;
   }
+  allowance_ = allowanceFor(db_);
+  stepsLeft_ = allowance_;
+  limitSteps(db_, stepsLeft_);
   filePath_ = path;
   return true;
 }
@@ -72,10 +92,19 @@ void Sqlite::close() {
   if (db_ == nullptr) {
     return;
   }
+  removeStepLimit(db_);
   // Deliberate: a connection that is still busy is forgotten, open as it is.
   whileBusy([this] { return sqlite3_close(db_); });
   filePath_.clear();
   db_ = nullptr;
+}
+
+void Sqlite::set_db(sqlite3* connection) {
+  if (db_ != nullptr) {
+    removeStepLimit(db_);
+  }
+  db_ = connection;
+  allowance_ = kNoLimit;
 }
 
 std::int64_t Sqlite::errorCode() const {
@@ -98,12 +127,17 @@ std::optional<RowList> Sqlite::executeQuery_arguments(const std::string& sql,
   }
   RowList rows;
   Columns columns;
+  std::int64_t bytesLeft = allowance_;
   while (hasData(statement)) {
     // Not earlier: the first step prepares anew should the schema have changed meanwhile.
     if (columns.names == nullptr) {
       columns = columnsOf(statement);
     }
-    rows.push_back(rowOf(statement, columns));
+    std::optional<Row> row = rowOf(statement, columns, bytesLeft);
+    if (!row) {
+      break;
+    }
+    rows.push_back(*std::move(row));
   }
   return rows;
 }
@@ -138,6 +172,7 @@ bool Sqlite::prepareSql_inStatament(const std::string& sql, Statement& statement
   if (db_ == nullptr) {
     return false;
   }
+  renewSteps();
   sqlite3_stmt* prepared = nullptr;
   const int result =
       whileBusy([&] { return sqlite3_prepare_v2(db_, sql.c_str(), -1, &prepared, nullptr); });
@@ -172,18 +207,26 @@ std::string Sqlite::createUuid() {
   return uuid;
 }
 
-int Sqlite::whileBusy(const std::function<int()>& call) const {
+int Sqlite::whileBusy(const std::function<int()>& call) {
   for (std::int64_t retries = 0;; ++retries) {
     const int result = call();
     if (result != SQLITE_BUSY) {
       return result;
     }
+    renewSteps();
     std::this_thread::sleep_for(kBusyPause);
     // Deliberate: no number of retries that is not negative is ever reached, so zero and above give
     // up after the first pause, and only a negative number goes on, without end.
     if (retries <= busyRetryTimeout_) {
       return result;
     }
+  }
+}
+
+void Sqlite::renewSteps() {
+  // A file on which one statement did not end gets no further chance to spend as much.
+  if (stepsLeft_ >= 0) {
+    stepsLeft_ = allowance_;
   }
 }
 

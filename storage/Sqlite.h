@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -137,16 +138,21 @@ class Sqlite {
   /// The connection, owned by this object; null when there is none.
   sqlite3* _db() const { return db_; }
 
-  /// Takes ownership of `connection`. The one held before is neither closed nor kept.
-  void set_db(sqlite3* connection) { db_ = connection; }
+  /// Takes ownership of `connection`, and gives up the one held before without closing it.
+  void set_db(sqlite3* connection);
 
  private:
-  int whileBusy(const std::function<int()>& call) const;
+  static constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
+
+  int whileBusy(const std::function<int()>& call);
+  void renewSteps();
   bool prepareAndBind(const std::string& sql, const Arguments& arguments, Statement& statement);
 
   std::int64_t busyRetryTimeout_ = 1;
   std::string filePath_;
   sqlite3* db_ = nullptr;
+  std::int64_t allowance_ = kNoLimit;
+  std::int64_t stepsLeft_ = kNoLimit;
 };
 
 }  // namespace tasselby

@@ -1,0 +1,66 @@
+#include "platform/offline/ReplaceFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tasselby {
+namespace {
+
+constexpr mode_t kPermissionBits = 07777;
+
+bool writeAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+    if (count >= 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/// Owner and group come before the permission bits, some of which a change of them clears.
+bool takeOver(int descriptor, const struct stat& old) {
+  // Only a superuser may give a file away; its group is a member's to set.
+  [[maybe_unused]] const bool owned = ::fchown(descriptor, old.st_uid, old.st_gid) == 0 ||
+                                      ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+  return ::fchmod(descriptor, old.st_mode & kPermissionBits) == 0;
+}
+
+bool flush(int descriptor) {
+  int result = ::fsync(descriptor);
+  while (result != 0 && errno == EINTR) {
+    result = ::fsync(descriptor);
+  }
+  return result == 0;
+}
+
+}  // namespace
+
+bool replaceFile(const std::string& path, std::string_view bytes) {
+  struct stat old {};
+  if (::lstat(path.c_str(), &old) != 0 || !S_ISREG(old.st_mode)) {
+    return false;
+  }
+  // In the same folder, for only there is a rename one step.
+  std::string fresh = path.substr(0, path.rfind('/') + 1) + ".tasselby-XXXXXX";
+  const int descriptor = ::mkostemp(fresh.data(), O_CLOEXEC);
+  if (descriptor < 0) {
+    return false;
+  }
+  const bool written =
+      writeAll(descriptor, bytes) && takeOver(descriptor, old) && flush(descriptor);
+  ::close(descriptor);
+  if (!written || std::rename(fresh.c_str(), path.c_str()) != 0) {
+    ::unlink(fresh.c_str());
+    return false;
+  }
+  return true;
+}
+
+}  // namespace tasselby

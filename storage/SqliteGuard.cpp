@@ -1,0 +1,129 @@
+#include "storage/SqliteGuard.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <sqlite3.h>
+#include <system_error>
+#include <utility>
+
+namespace tasselby {
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kFileSystem = "tasselby-guarded";
+constexpr std::int64_t kMebi = 1024 * 1024;
+
+/// No browser keeps a single value as long.
+constexpr int kLongestValue = 64 * kMebi;
+
+constexpr std::int64_t kAllowanceForAnyFile = 64 * kMebi;
+constexpr std::int64_t kAllowancePerByte = 32;
+/// A sparse file claims any size, so the allowance stops growing here.
+constexpr std::int64_t kLargestSizeCounted = 64 * kMebi;
+
+/// The callback that counts is called once in so many steps.
+constexpr int kStepsBetweenCounts = 1000;
+
+constexpr auto kSettings = std::to_array<std::pair<int, int>>({
+    // No SQL can damage the file's own structure, or write what virtual tables keep in it.
+    {SQLITE_DBCONFIG_DEFENSIVE, 1},
+    // Defaults, generated columns and indexes call no function that has side effects.
+    {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+    // Deliberate: no browser's table has triggers. One that is there is not the browser's, and
+    // does not run; the rows are deleted all the same.
+    {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
+    // Deliberate: what stands in a table's place as a view cannot be read. It may never end.
+    {SQLITE_DBCONFIG_ENABLE_VIEW, 0},
+    // Some builds of SQLite load libraries unless told otherwise.
+    {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
+});
+
+constexpr auto kLimits = std::to_array<std::pair<int, int>>({
+    // A statement reaches no second file.
+    {SQLITE_LIMIT_ATTACHED, 0},
+    // A few bytes of schema can compute a value of a gigabyte.
+    {SQLITE_LIMIT_LENGTH, kLongestValue},
+});
+
+/// Pages are checked as they are read, for which a sound page passes; and none is mapped, as a
+/// file that is cut short meanwhile would end the process.
+constexpr const char* kPragmas = "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0;";
+
+/// Opens nothing that would wait, as a pipe does in a journal's place, and no journal shared by
+/// several databases. SQLite removes the latter after a recovery, by whatever name the file gives.
+int openPlainFile(sqlite3_vfs* fileSystem, const char* path, sqlite3_file* file, int flags,
+                  int* flagsUsed) {
+  std::error_code ignored;
+  const bool plain =
+      path == nullptr || !fs::exists(path, ignored) || fs::is_regular_file(path, ignored);
+  if (!plain || (flags & SQLITE_OPEN_SUPER_JOURNAL) != 0) {
+    file->pMethods = nullptr;
+    return SQLITE_CANTOPEN;
+  }
+  return sqlite3_vfs_find(nullptr)->xOpen(fileSystem, path, file, flags, flagsUsed);
+}
+
+/// Makes the system's file system, with openPlainFile in its place, known to SQLite.
+int registerFileSystem() {
+  static sqlite3_vfs fileSystem = *sqlite3_vfs_find(nullptr);
+  fileSystem.zName = kFileSystem;
+  fileSystem.xOpen = openPlainFile;
+  return sqlite3_vfs_register(&fileSystem, 0);
+}
+
+std::int64_t sizeOf(const char* path) {
+  std::error_code error;
+  const std::uintmax_t size = fs::file_size(path, error);
+  return error ? 0 : static_cast<std::int64_t>(std::min<std::uintmax_t>(size, kLargestSizeCounted));
+}
+
+int countSteps(void* stepsLeft) {
+  auto* left = static_cast<std::int64_t*>(stepsLeft);
+  *left -= kStepsBetweenCounts;
+  return *left < 0 ? 1 : 0;
+}
+
+}  // namespace
+
+int openGuarded(const std::string& path, sqlite3*& connection) {
+  static const int registered = registerFileSystem();
+  if (registered != SQLITE_OK) {
+    return registered;
+  }
+  // SQLite gives "", ":memory:" and "file:..." meanings of their own; here they are relative paths.
+  const std::string plain = path.starts_with('/') ? path : "./" + path;
+  const int result = sqlite3_open_v2(plain.c_str(), &connection,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, kFileSystem);
+  if (result != SQLITE_OK) {
+    return result;
+  }
+  for (const auto& [setting, value] : kSettings) {
+    sqlite3_db_config(connection, setting, value, nullptr);
+  }
+  for (const auto& [limit, value] : kLimits) {
+    sqlite3_limit(connection, limit, value);
+  }
+  // Deliberate: no virtual table. Browsers keep none of these stores in one, and their code would
+  // run on data that was made to mislead it.
+  sqlite3_drop_modules(connection, nullptr);
+  sqlite3_exec(connection, kPragmas, nullptr, nullptr, nullptr);
+  return SQLITE_OK;
+}
+
+std::int64_t allowanceFor(sqlite3* connection) {
+  const char* path = sqlite3_db_filename(connection, "main");
+  const std::int64_t size = sizeOf(path) + sizeOf(sqlite3_filename_wal(path));
+  return kAllowanceForAnyFile + kAllowancePerByte * std::min(size, kLargestSizeCounted);
+}
+
+void limitSteps(sqlite3* connection, std::int64_t& stepsLeft) {
+  sqlite3_progress_handler(connection, kStepsBetweenCounts, countSteps, &stepsLeft);
+}
+
+void removeStepLimit(sqlite3* connection) {
+  sqlite3_progress_handler(connection, 0, nullptr, nullptr);
+}
+
+}  // namespace tasselby

@@ -1,0 +1,31 @@
+#include <gtest/gtest.h>
+
+#include "storage/Row.h"
+
+namespace tasselby {
+namespace {
+
+Row rowOf(std::vector<std::string> names, std::vector<Value> values) {
+  return {std::make_shared<const std::vector<std::string>>(std::move(names)), std::move(values)};
+}
+
+TEST(Row, FindsColumnsByName) {
+  const Row row = rowOf({"host", "id", "gone"}, {"a.example", 1.5, Null()});
+  EXPECT_EQ(*row.text("host"), "a.example");
+  EXPECT_EQ(row.text("id"), nullptr) << "no text";
+  EXPECT_EQ(*row.find("gone"), Value(Null())) << "NULL is there";
+  EXPECT_EQ(row.find("HOST"), nullptr);
+  EXPECT_EQ(row.text("HOST"), nullptr);
+}
+
+TEST(Row, IsEqualByNamesAndValues) {
+  const Row row = rowOf({"a", "b"}, {0.0, Bytes{1}});
+  EXPECT_EQ(row, rowOf({"a", "b"}, {-0.0, Bytes{1}}));
+  EXPECT_EQ(row.hash(), rowOf({"a", "b"}, {-0.0, Bytes{1}}).hash());
+  EXPECT_NE(row, rowOf({"a", "c"}, {0.0, Bytes{1}}));
+  EXPECT_NE(row, rowOf({"a", "b"}, {"0.0", Bytes{1}}));
+  EXPECT_NE(row.hash(), rowOf({"a", "b"}, {Bytes{1}, 0.0}).hash());
+}
+
+}  // namespace
+}  // namespace tasselby
