@@ -100,7 +100,7 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
   // Cookies (cleaners/cookies/)
 
   /// The 122 name prefixes that make a cookie a tracking cookie, in their fixed order.
-  std::vector<std::string> defaultTrackingCookies() const;
+  static std::vector<std::string> defaultTrackingCookies();
 
   /// Which cookies of `browser` have to go: those of sites not in `keepList`, and tracking cookies
   /// wherever they are. Changes nothing.
@@ -124,13 +124,12 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
 
   /// The members of a list that have to go, in their order, duplicates included: of origin
   /// identifiers, of local-storage file names, of Mozilla scopes.
-  std::vector<std::string> databaseArray_keep(const std::vector<std::string>& origins,
-                                              const KeepList& keepList) const;
-  std::vector<std::string> localStorageArray_browser_keep(const std::vector<std::string>& names,
-                                                          const std::string& browser,
-                                                          const KeepList& keepList) const;
-  std::vector<std::string> mozillaLocalStorage_keep(const std::vector<std::string>& scopes,
-                                                    const KeepList& keepList) const;
+  static std::vector<std::string> databaseArray_keep(const std::vector<std::string>& origins,
+                                                     const KeepList& keepList);
+  static std::vector<std::string> localStorageArray_browser_keep(
+      const std::vector<std::string>& names, const std::string& browser, const KeepList& keepList);
+  static std::vector<std::string> mozillaLocalStorage_keep(const std::vector<std::string>& scopes,
+                                                           const KeepList& keepList);
 
   // Plug-ins (cleaners/plugins/)
 

@@ -56,7 +56,8 @@ class Scratch {
 
 std::vector<Comparison> startBenchmarks(const std::string& worker);
 std::vector<Comparison> storageBenchmarks(const std::string& worker);
-std::vector<Comparison> cookieBenchmarks();
+std::vector<Comparison> sqliteBenchmarks();
+std::vector<Comparison> cookieBenchmarks(const std::string& worker);
 std::vector<Comparison> webStorageBenchmarks(const std::string& worker);
 std::vector<Comparison> memoryBenchmarks(const std::string& worker);
 std::vector<Comparison> wholeRunBenchmarks(const std::string& worker);

@@ -30,7 +30,8 @@ int main(int argc, char* argv[]) {
   std::printf("%-52s %-36s %8s %7s\n", "worker", "peer", "ratio", "bar");
   bool allHold = print(tasselby::startBenchmarks(argv[1]));
   allHold = print(tasselby::storageBenchmarks(argv[1])) && allHold;
-  allHold = print(tasselby::cookieBenchmarks()) && allHold;
+  allHold = print(tasselby::sqliteBenchmarks()) && allHold;
+  allHold = print(tasselby::cookieBenchmarks(argv[1])) && allHold;
   allHold = print(tasselby::webStorageBenchmarks(argv[1])) && allHold;
   allHold = print(tasselby::memoryBenchmarks(argv[1])) && allHold;
   allHold = print(tasselby::wholeRunBenchmarks(argv[1])) && allHold;

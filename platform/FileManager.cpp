@@ -102,11 +102,14 @@ std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::strin
   if (!folder) {
     return names;
   }
-  while (const dirent* entry = ::readdir(folder.get())) {
+  for (errno = 0; const dirent* entry = ::readdir(folder.get()); errno = 0) {
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") {
       names.emplace_back(name);
     }
+  }
+  if (errno != 0) {
+    names.clear();
   }
   return names;
 }

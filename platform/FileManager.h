@@ -34,7 +34,7 @@ class FileManager {
   static bool hasFolderType(const std::string& path);
 
   /// The names in the folder at `path`, in the order the system lists them, "." and ".." left out.
-  /// Links are followed. Empty when it is no folder or cannot be read.
+  /// Links are followed. Empty when it is no folder or cannot be read to its end.
   static std::vector<std::string> contentsOfDirectoryAtPath(const std::string& path);
 
   /// Calls `visit` with the path of each item below the folder at `path`, at every depth and

@@ -41,8 +41,13 @@ pid_t startDaemon(const fs::path& folder, const std::string& address) {
   std::string configuration = "--config-file=" + (folder / "bus.conf").native();
   std::string print = "--print-address=" + std::to_string(ready[1]);
   char* const arguments[] = {program.data(), configuration.data(), print.data(), nullptr};
+  // What the daemon has to say of its limits is of no use here.
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   pid_t daemon = 0;
-  const int error = ::posix_spawnp(&daemon, program.c_str(), nullptr, nullptr, arguments, environ);
+  const int error = ::posix_spawnp(&daemon, program.c_str(), &actions, nullptr, arguments, environ);
+  posix_spawn_file_actions_destroy(&actions);
   ::close(ready[1]);
   char byte = 0;
   if (error == 0 && ::read(ready[0], &byte, 1) != 1) {

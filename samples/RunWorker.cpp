@@ -9,6 +9,8 @@
 namespace tasselby {
 namespace {
 
+constexpr unsigned kLongestRunSeconds = 120;
+
 [[noreturn]] void become(const std::vector<std::string>& command, const std::string& home,
                          const std::string& busAddress, const std::string& workingFolder,
                          int output) {
@@ -22,6 +24,8 @@ namespace {
   ::dup2(output, STDOUT_FILENO);
   ::dup2(output, STDERR_FILENO);
   ::close(output);
+  // A run takes milliseconds; one that hangs is ended by the alarm.
+  ::alarm(kLongestRunSeconds);
   if (::chdir(workingFolder.c_str()) == 0) {
     ::execv(arguments[0], arguments.data());
   }

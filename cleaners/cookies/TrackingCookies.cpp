@@ -7,7 +7,7 @@
 
 namespace tasselby {
 
-std::vector<std::string> WorkerAppDelegate::defaultTrackingCookies() const {
+std::vector<std::string> WorkerAppDelegate::defaultTrackingCookies() {
   // Deliberate: "OAX", "OAID" and "OASIS" stand beside "OA", which covers them, and the entries of
   // two letters cover every name that begins so.
   // clang-format off

@@ -64,7 +64,7 @@ std::string hostOfScope(std::string_view scope, std::size_t end) {
 }  // namespace
 
 std::vector<std::string> WorkerAppDelegate::databaseArray_keep(
-    const std::vector<std::string>& origins, const KeepList& keepList) const {
+    const std::vector<std::string>& origins, const KeepList& keepList) {
   std::vector<std::string> chosen;
   for (const std::string& origin : origins) {
     if (origin.starts_with(kChromeExtension) || origin.starts_with(kSafariExtension)) {
@@ -80,8 +80,7 @@ std::vector<std::string> WorkerAppDelegate::databaseArray_keep(
 }
 
 std::vector<std::string> WorkerAppDelegate::localStorageArray_browser_keep(
-    const std::vector<std::string>& names, const std::string& browser,
-    const KeepList& keepList) const {
+    const std::vector<std::string>& names, const std::string& browser, const KeepList& keepList) {
   std::vector<std::string> chosen;
   for (const std::string& name : names) {
     if (!name.ends_with(kLocalStorageEnding)) {
@@ -105,7 +104,7 @@ std::vector<std::string> WorkerAppDelegate::localStorageArray_browser_keep(
 }
 
 std::vector<std::string> WorkerAppDelegate::mozillaLocalStorage_keep(
-    const std::vector<std::string>& scopes, const KeepList& keepList) const {
+    const std::vector<std::string>& scopes, const KeepList& keepList) {
   std::vector<std::string> chosen;
   for (const std::string& scope : scopes) {
     const std::size_t end = scope.find(".:");

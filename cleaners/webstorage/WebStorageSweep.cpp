@@ -1,5 +1,6 @@
 // Web databases and local storage, by browser, and the browsers' own indexes of them.
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,6 +18,8 @@ namespace {
 
 using Names = std::vector<std::string>;
 
+constexpr const char* kTracker = "StorageTracker.db";
+
 constexpr const char* kDeleteDatabases = "DELETE FROM Databases WHERE origin IN ('%@');";
 constexpr const char* kDeleteOrigins = "DELETE FROM Origins WHERE origin IN ('%@');";
 constexpr const char* kDeleteOtherOrigins = "DELETE FROM Origins WHERE origin NOT IN ('%@');";
@@ -24,7 +27,6 @@ constexpr const char* kDeleteScopes = "DELETE FROM webappsstore2 WHERE scope IN 
 
 /// What every step of a sweep needs. Each step answers how many items it chose.
 struct Sweep {
-  const WorkerAppDelegate& worker;
   const KeepList& keepList;
   bool secure;
 };
@@ -64,7 +66,7 @@ std::int64_t countOf(const Names& chosen) {
 Names chosenOrigins(const Sweep& sweep, Sqlite& index) {
   Names origins;
   appendTexts(index, "SELECT origin FROM Databases;", "origin", origins);
-  return sweep.worker.databaseArray_keep(origins, sweep.keepList);
+  return WorkerAppDelegate::databaseArray_keep(origins, sweep.keepList);
 }
 
 std::int64_t sweepSafariDatabases(const Sweep& sweep, const std::string& folder) {
@@ -92,7 +94,7 @@ std::int64_t sweepChromiumDatabases(const Sweep& sweep, const std::string& folde
 }
 
 std::int64_t sweepSafariFiles(const Sweep& sweep, const std::string& folder) {
-  const Names chosen = sweep.worker.localStorageArray_browser_keep(
+  const Names chosen = WorkerAppDelegate::localStorageArray_browser_keep(
       FileManager::contentsOfDirectoryAtPath(folder), "Safari", sweep.keepList);
   for (const std::string& name : chosen) {
     dispose(join(folder, name), sweep.secure);
@@ -102,7 +104,7 @@ std::int64_t sweepSafariFiles(const Sweep& sweep, const std::string& folder) {
 
 std::int64_t sweepChromiumFiles(const Sweep& sweep, const std::string& folder,
                                 const std::string& browser) {
-  const Names chosen = sweep.worker.localStorageArray_browser_keep(
+  const Names chosen = WorkerAppDelegate::localStorageArray_browser_keep(
       FileManager::contentsOfDirectoryAtPath(folder), browser, sweep.keepList);
   for (const std::string& name : chosen) {
     const std::string path = join(folder, name);
@@ -118,10 +120,14 @@ std::int64_t sweepChromiumFiles(const Sweep& sweep, const std::string& folder,
 /// missing for any reason, and stays with a file that could not be wiped.
 void pruneTracker(const std::string& folder) {
   Sqlite tracker;
-  if (!openIfThere(tracker, join(folder, "StorageTracker.db"))) {
+  if (!openIfThere(tracker, join(folder, kTracker))) {
     return;
   }
   Names left = FileManager::contentsOfDirectoryAtPath(folder);
+  // A listing without the tracker itself is none: the folder could not be read just now.
+  if (std::ranges::find(left, kTracker) == left.end()) {
+    return;
+  }
   for (std::string& name : left) {
     name = withoutExtension(name);
   }
@@ -135,7 +141,7 @@ std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& sco
     return 0;
   }
   appendTexts(store, "SELECT * FROM webappsstore2;", "scope", scopes);
-  const Names chosen = sweep.worker.mozillaLocalStorage_keep(scopes, sweep.keepList);
+  const Names chosen = WorkerAppDelegate::mozillaLocalStorage_keep(scopes, sweep.keepList);
   executeListStatement(store, kDeleteScopes, chosen);
   return countOf(chosen);
 }
@@ -144,7 +150,7 @@ std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& sco
 
 std::int64_t WorkerAppDelegate::removeNonFavLocalStorage_keep(const std::string& browser,
                                                               const KeepList& keepList) {
-  const Sweep sweep{*this, keepList, platform_.userDefaults.boolForKey("secureDeleteData")};
+  const Sweep sweep{keepList, platform_.userDefaults.boolForKey("secureDeleteData")};
   const FileManager& files = platform_.files;
   std::int64_t count = 0;
   if (browser == "Safari") {

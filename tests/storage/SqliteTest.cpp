@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "storage/Sqlite.h"
 #include "samples/ScratchHome.h"
+#include "storage/Sqlite.h"
 
 namespace tasselby {
 namespace {

@@ -1,0 +1,184 @@
+// Cookies: deleting rows against a program that only runs the statements, telling tracking cookies
+// against trying every entry, rewriting a cookie file against reading and writing it once.
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <random>
+#include <sqlite3.h>
+#include <string>
+#include <vector>
+
+#include "app/WorkerAppDelegate.h"
+#include "bench/Bench.h"
+#include "cleaners/cookies/TrackingNames.h"
+#include "platform/offline/OfflinePlatform.h"
+#include "platform/offline/ReplaceFile.h"
+#include "samples/BinaryCookieWriter.h"
+#include "storage/Sqlite.h"
+
+namespace tasselby {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kFirefoxRows = 20000;
+constexpr int kChromiumRows = 5000;
+constexpr int kNames = 1000000;
+constexpr int kFileCookies = 50000;
+
+void makeDatabase(const std::string& path, const std::string& table, const std::string& insert,
+                  int rows) {
+  fs::remove(path);
+  Sqlite database;
+  database.open(path);
+  database.executeQuery(table);
+  database.executeQuery(
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+      std::to_string(rows) + ") " + insert);
+}
+
+/// The plain way: each statement prepared, stepped and finalized, on one connection or, with
+/// `reopen`, on one of its own.
+void runStatements(const std::string& path, const std::vector<std::string>& statements,
+                   bool reopen) {
+  sqlite3* connection = nullptr;
+  sqlite3_open(path.c_str(), &connection);
+  for (const std::string& text : statements) {
+    if (reopen) {
+      sqlite3_close(connection);
+      sqlite3_open(path.c_str(), &connection);
+    }
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v2(connection, text.c_str(), -1, &statement, nullptr);
+    sqlite3_step(statement);
+    sqlite3_finalize(statement);
+  }
+  sqlite3_close(connection);
+}
+
+Comparison firefoxRows(const std::string& worker) {
+  const Scratch scratch;
+  const std::string path = scratch.path(
+      "Users/anna/Library/Application Support/Firefox/Profiles/p.default/cookies.sqlite");
+  std::vector<std::string> statements;
+  for (int i = 1; i <= kFirefoxRows; ++i) {
+    const std::string id = std::to_string(i);
+    statements.push_back("DELETE FROM moz_cookies WHERE host = 'www.site" + id +
+                         ".example' AND id = '" + id + "';");
+  }
+  const double ratio = leastRatio(
+      1,
+      [&path] {
+        makeDatabase(
+            path,
+            "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, name TEXT, value TEXT, host "
+            "TEXT, path TEXT, expiry INTEGER);",
+            "INSERT INTO moz_cookies SELECT i, 'session', 'a value of ordinary length', "
+            "'www.site' || i || '.example', '/', 2000000000 FROM n;",
+            kFirefoxRows);
+      },
+      [&] {
+        usageOf({worker, "Firefox"}, scratch.path("Users/anna"));
+      },
+      [&] { runStatements(path, statements, false); });
+  return {"run that deletes 20,000 Firefox cookies", "the statements alone", ratio, 1.05};
+}
+
+Comparison chromiumRows(const std::string& worker) {
+  const Scratch scratch;
+  const std::string path =
+      scratch.path("Users/anna/Library/Application Support/com.operasoftware.Opera/Cookies");
+  std::vector<std::string> statements;
+  for (int i = 1; i <= kChromiumRows; ++i) {
+    const std::string id = std::to_string(i);
+    statements.push_back("DELETE FROM cookies WHERE host_key = 'www.site" + id +
+                         ".example' AND creation_utc = '" + id + "';");
+  }
+  const double ratio = leastRatio(
+      2,
+      [&path] {
+        makeDatabase(path,
+                     "CREATE TABLE cookies (creation_utc INTEGER PRIMARY KEY, host_key TEXT, name "
+                     "TEXT, value TEXT, path TEXT);",
+                     "INSERT INTO cookies SELECT i, 'www.site' || i || '.example', 'session', 'a "
+                     "value of ordinary length', '/' FROM n;",
+                     kChromiumRows);
+      },
+      [&] {
+        usageOf({worker, "Opera"}, scratch.path("Users/anna"));
+      },
+      [&] { runStatements(path, statements, true); });
+  return {"run that deletes 5,000 Opera cookies", "open, statement, close", ratio, 1.1};
+}
+
+/// Names as stores have them: mostly ordinary, some with an entry in front.
+std::vector<std::string> makeNames(const std::vector<std::string>& catalogue) {
+  std::mt19937 random(1);
+  std::vector<std::string> names;
+  for (int i = 0; i < kNames; ++i) {
+    std::string name = random() % 4 == 0 ? catalogue[random() % catalogue.size()] : "";
+    for (unsigned length = 3 + random() % 12; length > 0; --length) {
+      name += "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_"[random() % 53];
+    }
+    names.push_back(name);
+  }
+  return names;
+}
+
+Comparison classification(const std::vector<std::string>& catalogue) {
+  const std::vector<std::string> names = makeNames(catalogue);
+  // What is found is added up, so that nothing is left out as unused.
+  std::ptrdiff_t found = 0;
+  const double ratio = leastRatio(
+      3, [] {},
+      [&] {
+        const TrackingNames tracking(catalogue);
+        found +=
+            std::ranges::count_if(names, [&](const auto& name) { return tracking.match(name); });
+      },
+      [&] {
+        found -= std::ranges::count_if(names, [&](const std::string& name) {
+          return std::ranges::any_of(
+              catalogue, [&name](const std::string& entry) { return name.starts_with(entry); });
+        });
+      });
+  // A different result would be no comparison at all.
+  return {"1,000,000 names told tracking or not", "122 entries one by one",
+          found == 0 ? ratio : std::numeric_limits<double>::infinity(), 0.1};
+}
+
+Comparison cookieFile() {
+  const Scratch scratch;
+  const std::string path = scratch.path("Users/anna/Library/Cookies/Cookies.binarycookies");
+  std::vector<SampleCookie> cookies;
+  for (int i = 0; i < kFileCookies; ++i) {
+    cookies.push_back({"www." + std::to_string(i / 5) + ".example", "name" + std::to_string(i),
+                       "a value of ordinary length " + std::to_string(i)});
+  }
+  const std::string sample = binaryCookieFile(cookies);
+  const FileManager files(scratch.path("Users/anna"));
+  const double ratio = leastRatio(
+      9, [&] { std::ofstream(path, std::ios::binary) << sample; },
+      [&] {
+        const auto storage = makeOfflineCookieStorage(files);
+        const std::vector<HTTPCookie> all = storage->cookies();
+        for (std::size_t i = 0; i < all.size(); i += 2) {
+          storage->deleteCookie(all[i]);
+        }
+        storage->synchronize();
+      },
+      [&] { replaceFile(path, FileManager::contentsOfFile(path, sample.size()).value_or("")); });
+  return {"half of 50,000 cookies off a cookie file", "file read and written once", ratio, 3.0};
+}
+
+}  // namespace
+
+std::vector<Comparison> cookieBenchmarks(const std::string& worker) {
+  return {classification(WorkerAppDelegate::defaultTrackingCookies()), cookieFile(),
+          chromiumRows(worker), firefoxRows(worker)};
+}
+
+}  // namespace tasselby
