@@ -1,7 +1,6 @@
 #include "storage/Sqlite.h"
 
 #include <algorithm>
-#include <array>
 #include <cassert>
 #include <random>
 #include <sqlite3.h>
@@ -75,14 +74,10 @@ Sqlite::Sqlite(const std::string& path) : busyRetryTimeout_(0) {
 
 bool Sqlite::open(const std::string& path) {
   close();
-  if (path.find('\0') != std::string::npos) {
+  if (path.find('\0') != std::string::npos || openGuarded(path, db_) != SQLITE_OK) {
     return false;
   }
-  if (openGuarded(path, db_) != SQLITE_OK) {
-    return false;
-  }
-  allowance_ = allowanceFor(db_);
-  stepsLeft_ = allowance_;
+  stepsLeft_ = 0;
   limitSteps(db_, stepsLeft_);
   filePath_ = path;
   return true;
@@ -104,7 +99,6 @@ void Sqlite::set_db(sqlite3* connection) {
     removeStepLimit(db_);
   }
   db_ = connection;
-  allowance_ = kNoLimit;
 }
 
 std::int64_t Sqlite::errorCode() const {
@@ -172,6 +166,8 @@ bool Sqlite::prepareSql_inStatament(const std::string& sql, Statement& statement
   if (db_ == nullptr) {
     return false;
   }
+  // The file may have grown since it was opened.
+  allowance_ = allowanceFor(db_);
   renewSteps();
   sqlite3_stmt* prepared = nullptr;
   const int result =

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -83,6 +82,7 @@ class Sqlite {
   ///
   /// Answers no value when the statement cannot be prepared, and an empty list when it has no rows,
   /// as a DELETE has none. A failing step ends the list early; the rows read so far are answered.
+  /// So does a result that is out of all proportion to the file.
   std::optional<RowList> executeQuery(const std::string& sql);
 
   /// The same with parameters, each bound to the argument in its place. Fewer arguments than
@@ -142,8 +142,6 @@ class Sqlite {
   void set_db(sqlite3* connection);
 
  private:
-  static constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
-
   int whileBusy(const std::function<int()>& call);
   void renewSteps();
   bool prepareAndBind(const std::string& sql, const Arguments& arguments, Statement& statement);
@@ -151,8 +149,8 @@ class Sqlite {
   std::int64_t busyRetryTimeout_ = 1;
   std::string filePath_;
   sqlite3* db_ = nullptr;
-  std::int64_t allowance_ = kNoLimit;
-  std::int64_t stepsLeft_ = kNoLimit;
+  std::int64_t allowance_ = 0;
+  std::int64_t stepsLeft_ = 0;
 };
 
 }  // namespace tasselby

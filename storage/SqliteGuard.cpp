@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kFileSystem = "tasselby-guarded";
-constexpr std::int64_t kMebi = 1024 * 1024;
+constexpr std::int64_t kMebi = 1 << 20;
 
 /// No browser keeps a single value as long.
 constexpr int kLongestValue = 64 * kMebi;
@@ -51,29 +51,47 @@ constexpr auto kLimits = std::to_array<std::pair<int, int>>({
 /// file that is cut short meanwhile would end the process.
 constexpr const char* kPragmas = "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0;";
 
-/// Opens nothing that would wait, as a pipe does in a journal's place, and no journal shared by
-/// several databases. SQLite removes the latter after a recovery, by whatever name the file gives.
-int openPlainFile(sqlite3_vfs* fileSystem, const char* path, sqlite3_file* file, int flags,
-                  int* flagsUsed) {
+/// Whether nothing or a plain file is at `path`, links followed.
+bool isPlain(const fs::path& path) {
   std::error_code ignored;
-  const bool plain =
-      path == nullptr || !fs::exists(path, ignored) || fs::is_regular_file(path, ignored);
-  if (!plain || (flags & SQLITE_OPEN_SUPER_JOURNAL) != 0) {
+  const fs::file_type type = fs::status(path, ignored).type();
+  return type == fs::file_type::not_found || type == fs::file_type::regular;
+}
+
+/// Whether SQLite may open `path` with `flags`. Not what would make it wait, as a pipe does in a
+/// journal's place; and no journal shared by several databases, as SQLite removes one after a
+/// recovery, by whatever name the file gives.
+bool mayOpen(const std::string& path, int flags) {
+  if ((flags & SQLITE_OPEN_SUPER_JOURNAL) != 0 || !isPlain(path)) {
+    return false;
+  }
+  // The shared memory of a write-ahead log is opened past here, as soon as the log is.
+  const std::string log = "-wal";
+  return !path.ends_with(log) || isPlain(path.substr(0, path.size() - log.size()) + "-shm");
+}
+
+int openFile(sqlite3_vfs* fileSystem, const char* path, sqlite3_file* file, int flags,
+             int* flagsUsed) {
+  // Temporary files have no path.
+  if (path != nullptr && !mayOpen(path, flags)) {
     file->pMethods = nullptr;
     return SQLITE_CANTOPEN;
   }
   return sqlite3_vfs_find(nullptr)->xOpen(fileSystem, path, file, flags, flagsUsed);
 }
 
-/// Makes the system's file system, with openPlainFile in its place, known to SQLite.
+/// Makes the system's file system, with openFile in its place, known to SQLite.
 int registerFileSystem() {
   static sqlite3_vfs fileSystem = *sqlite3_vfs_find(nullptr);
   fileSystem.zName = kFileSystem;
-  fileSystem.xOpen = openPlainFile;
+  fileSystem.xOpen = openFile;
   return sqlite3_vfs_register(&fileSystem, 0);
 }
 
 std::int64_t sizeOf(const char* path) {
+  if (path == nullptr) {
+    return 0;
+  }
   std::error_code error;
   const std::uintmax_t size = fs::file_size(path, error);
   return error ? 0 : static_cast<std::int64_t>(std::min<std::uintmax_t>(size, kLargestSizeCounted));
