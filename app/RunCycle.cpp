@@ -1,12 +1,11 @@
 // A run from start to termination.
 
 #include <algorithm>
-#include <initializer_list>
 #include <string>
-#include <string_view>
 
 #include "app/Browsers.h"
 #include "app/WorkerAppDelegate.h"
+#include "platform/Text.h"
 
 namespace tasselby {
 namespace {
@@ -16,20 +15,6 @@ constexpr const char* kQuit = "Quit";
 constexpr const char* kReportFormat =
     "%@ Cookies (%@ Tracking Cookies), %@ Databases, %@ Flash, %@ Silverlight, and Cache removed "
     "from %@";
-
-/// `format` with each "%@" replaced by the next of `values`; those without a value stay.
-std::string formatted(std::string_view format, std::initializer_list<std::string> values) {
-  std::string text;
-  for (const std::string& value : values) {
-    const std::size_t place = format.find("%@");
-    if (place == std::string_view::npos) {
-      break;
-    }
-    text.append(format.substr(0, place)).append(value);
-    format.remove_prefix(place + 2);
-  }
-  return text.append(format);
-}
 
 }  // namespace
 

@@ -173,6 +173,19 @@ std::optional<std::string> percentDecoded(std::string_view text) {
   return decoded;
 }
 
+std::string formatted(std::string_view format, std::initializer_list<std::string> values) {
+  std::string text;
+  for (const std::string& value : values) {
+    const std::size_t place = format.find("%@");
+    if (place == std::string_view::npos) {
+      break;
+    }
+    text.append(format.substr(0, place)).append(value);
+    format.remove_prefix(place + 2);
+  }
+  return text.append(format);
+}
+
 std::string join(const std::string& base, std::string_view component) {
   if (component.empty()) {
     return base;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,6 +31,10 @@ std::string reversedByUnits(std::string_view text);
 /// `text` with every percent escape replaced by its byte. No value when an escape lacks its two
 /// hexadecimal digits, or neighbouring escapes together are no UTF-8.
 std::optional<std::string> percentDecoded(std::string_view text);
+
+/// `format` with each "%@" replaced by the next of `values`, which are taken as they are. A "%@"
+/// without a value stays; a value without a "%@" is left out.
+std::string formatted(std::string_view format, std::initializer_list<std::string> values);
 
 /// `component` below `base` with exactly one "/" between, also when `component` begins with one.
 /// An empty `component` leaves `base` alone.
