@@ -1,5 +1,8 @@
 #include "app/Browsers.h"
 
+#include "platform/FileManager.h"
+#include "platform/Text.h"
+
 namespace tasselby {
 
 bool hasChromiumProfiles(std::string_view browser) {
@@ -28,6 +31,19 @@ std::string cacheRoot(std::string_view browser) {
     return "~/Library/Caches/Chromium";
   }
   return browser == "Opera" ? "~/Library/Caches/com.operasoftware.Opera" : "";
+}
+
+std::vector<std::string> firefoxDatabases(const FileManager& files, const std::string& name) {
+  std::vector<std::string> paths;
+  const std::string profiles = files.expandTilde(kFirefoxProfiles);
+  for (const std::string& folder : FileManager::contentsOfDirectoryAtPath(profiles)) {
+    const std::string profile = join(profiles, folder);
+    std::string path = join(profile, name);
+    if (FileManager::hasFolderType(profile) && FileManager::fileExistsAtPath(path)) {
+      paths.push_back(std::move(path));
+    }
+  }
+  return paths;
 }
 
 }  // namespace tasselby

@@ -3,8 +3,11 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tasselby {
+
+class FileManager;
 
 /// The browser names the worker accepts, in the order they are tried. Compared exactly; "WebKit" is
 /// a name of its own and not an alias of "Safari".
@@ -28,5 +31,9 @@ std::string cacheRoot(std::string_view browser);
 /// The folder of Firefox's profiles, and the data folder of Camino; with a leading "~".
 inline constexpr const char* kFirefoxProfiles = "~/Library/Application Support/Firefox/Profiles/";
 inline constexpr const char* kCaminoData = "~/Library/Application Support/Camino";
+
+/// The paths of the files named `name` in Firefox's profiles, in the order the system lists them.
+/// Every folder in the folder of profiles is a profile; a link to one is none.
+std::vector<std::string> firefoxDatabases(const FileManager& files, const std::string& name);
 
 }  // namespace tasselby
