@@ -24,6 +24,7 @@ constexpr int kRounds = 21;
 
 std::string sampleFile() {
   std::vector<SampleCookie> cookies;
+  cookies.reserve(kCookies);
   for (int i = 0; i < kCookies; ++i) {
     cookies.push_back({"www." + std::to_string(i / 5) + ".example", "name" + std::to_string(i),
                        "a value of ordinary length " + std::to_string(i)});
