@@ -1,9 +1,11 @@
 #include "bench/Bench.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
-#include <stdlib.h>
+#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -40,20 +42,18 @@ double leastRatio(int rounds, const std::function<void()>& prepare,
 
 Usage usageOf(const std::vector<std::string>& command, const std::string& home) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) {
     arguments.push_back(const_cast<char*>(argument.c_str()));
   }
   arguments.push_back(nullptr);
   Usage usage;
   usage.elapsed = secondsOf([&] {
-    const pid_t child = ::vfork();
-    if (child == 0) {
-      const std::string variable = "HOME=" + home;
-      char* environment[] = {const_cast<char*>(variable.c_str()), nullptr};
-      ::execve(arguments[0], arguments.data(), environment);
-      ::_exit(127);
-    }
-    int status = 0;
+    std::string variable = "HOME=" + home;
+    const std::array<char*, 2> environment = {variable.data(), nullptr};
+    pid_t child = 0;
+    int status =
+        ::posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environment.data());
     rusage used{};
     ::wait4(child, &status, 0, &used);
     usage.processor = secondsIn(used.ru_utime) + secondsIn(used.ru_stime);

@@ -1,5 +1,6 @@
 // How the worker's memory grows with what it walks: it should not.
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -20,8 +21,8 @@ void makeFile(const fs::path& path) {
 /// The peak memory of a run over what `make` builds at ten times the size, over that at the size.
 double growth(const std::string& worker, int size,
               const std::function<void(const fs::path& volume, int size)>& make) {
-  double memory[2] = {};
-  for (int i = 0; i < 2; ++i) {
+  std::array<double, 2> memory{};
+  for (std::size_t i = 0; i < memory.size(); ++i) {
     const Scratch scratch;
     const fs::path volume = scratch.path("");
     fs::create_directories(volume / "Users/anna");

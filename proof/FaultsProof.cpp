@@ -26,14 +26,25 @@ constexpr const char* kAfterKeepList = "Cookies,cookies.sqlite,";
 // A folder of Silverlight stores that cannot be listed counts as empty, and with an empty one the
 // whole plug-in goes: that is the rule too.
 bool losesSilverlight(const std::string& call) {
-  return call == "openat" || call == "getdents64";
+  return call == "openat," || call == "getdents64,";
 }
 
 class Faults : public Trial {
  protected:
-  /// Every error in turn, or with more than one round all of them at every call.
-  std::vector<int> errorsOfThisRound() {
-    return rounds() > 1 ? kErrors : std::vector<int>{kErrors[next_++ % kErrors.size()]};
+  /// Every call with one error after another, or with more than one round with all of them.
+  std::vector<Disturbance> disturbances() {
+    std::vector<Disturbance> all;
+    for (const std::string& call : kCalls) {
+      const int turn = kErrors[next_++ % kErrors.size()];
+      for (const int error : rounds() > 1 ? kErrors : std::vector<int>{turn}) {
+        // SQLite tries again for as long as a call is interrupted, so not every one may be.
+        const long first = error == EINTR ? 2 : 1;
+        for (long every = first; every < first + 2 * rounds(); every += every < 3 ? 1 : 4) {
+          all.push_back({call + ",", error, every, false, kAfterKeepList});
+        }
+      }
+    }
+    return all;
   }
 
  private:
@@ -43,23 +54,17 @@ class Faults : public Trial {
 TEST_F(Faults, LoseNothingThatIsKept) {
   int runs = 0;
   for (const std::string& browser : kBrowsers) {
-    for (const std::string& call : kCalls) {
-      for (const int error : errorsOfThisRound()) {
-        // SQLite tries again for as long as a call is interrupted, so not every one may be.
-        const long first = error == EINTR ? 2 : 1;
-        for (long every = first; every < first + 2 * rounds(); every += every < 3 ? 1 : 4) {
-          reset();
-          const std::string label = browser + " " + call + " " + std::to_string(error) + " every " +
-                                    std::to_string(every);
-          const WorkerRun result =
-              run({browser}, Disturbance{call + ",", error, every, false, kAfterKeepList});
-          EXPECT_TRUE(result.status == 0 || result.status == 70) << label << result.status;
-          EXPECT_EQ(result.output, "") << label;
-          expectKept(browser, label, losesSilverlight(call) ? "Silverlight" : "");
-          expectSound(label);
-          ++runs;
-        }
-      }
+    for (const Disturbance& disturbance : disturbances()) {
+      reset();
+      const std::string label = browser + " " + disturbance.calls +
+                                std::to_string(disturbance.error) + " every " +
+                                std::to_string(disturbance.every);
+      const WorkerRun result = run({browser}, disturbance);
+      EXPECT_TRUE(result.status == 0 || result.status == 70) << label << " " << result.status;
+      EXPECT_EQ(result.output, "") << label;
+      expectKept(browser, label, losesSilverlight(disturbance.calls) ? "Silverlight" : "");
+      expectSound(label);
+      ++runs;
     }
   }
   std::printf("%d disturbed runs\n", runs);

@@ -1,12 +1,11 @@
 // Other processes at work meanwhile: one that writes to the same databases, and one that swaps
 // folders for links.
 
+#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <signal.h>
-#include <stdio.h>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>

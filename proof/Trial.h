@@ -49,8 +49,9 @@ class Trial : public ::testing::Test {
                   const std::string& exceptStore = "") const;
   void expectSound(const std::string& label) const;
 
-  /// Expects that nothing is left of what a run for `browser` removes.
-  void expectFinished(const std::string& browser, const std::string& label) const;
+  /// Expects that nothing is left of what a run for `browser` removes, `exceptStore` aside.
+  void expectFinished(const std::string& browser, const std::string& label,
+                      const std::string& exceptStore) const;
 
   /// How many runs each test makes is multiplied by this: PROOF_ROUNDS in the environment, or 1.
   static long rounds();

@@ -2,13 +2,13 @@
 
 #include <array>
 #include <atomic>
+#include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
-#include <signal.h>
 #include <spawn.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <systemd/sd-bus.h>
 #include <thread>

@@ -3,11 +3,11 @@
 //   show-run WORKER BROWSER [-key value ...]
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
-#include <stdlib.h>
 #include <string>
 #include <vector>
 

@@ -1,6 +1,7 @@
 // The Flash player inside Google Chrome and Chromium: the same tree in every profile, with the
 // settings below the folder of stored objects.
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -17,6 +18,24 @@ namespace {
 
 constexpr const char* kStore = "/Pepper Data/Shockwave Flash/WritableRoot/#SharedObjects";
 
+using Visit = std::function<void(const std::string& host, const std::string& path)>;
+
+/// Calls `visit` for every host in the folder with a random name at `folder`, with the path of its
+/// objects or of its settings.
+void visitHosts(const std::string& folder, const Visit& visit) {
+  for (const std::string& name : FileManager::contentsOfDirectoryAtPath(folder)) {
+    if (name == kFlashSettingsDomain) {
+      const std::string settings = join(folder, kFlashSettings);
+      visitFlashSettings(
+          settings, [&](const std::string& host, const std::string& entry, FlashEntry /*kind*/) {
+            visit(host, join(settings, entry));
+          });
+    } else if (!name.starts_with(".")) {
+      visit(flashHost(name), join(folder, name));
+    }
+  }
+}
+
 }  // namespace
 
 std::optional<PepperFlashCounts> WorkerAppDelegate::clearChromeFlash_keep(
@@ -30,7 +49,7 @@ std::optional<PepperFlashCounts> WorkerAppDelegate::clearChromeFlash_keep(
   const std::string data = platform_.files.expandTilde(dataRoot(browser));
   for (const std::string& profile : profileFolders(browser)) {
     const auto judge = [&](const std::string& host, const std::string& path) {
-      const std::string pair = profile + ":" + host;
+      const std::string pair = std::string(profile).append(":").append(host);
       seen.insert(pair);
       if (!keepList.contains(WorkerExtras::siteWithDomainName(host))) {
         removed.insert(pair);
@@ -39,17 +58,7 @@ std::optional<PepperFlashCounts> WorkerAppDelegate::clearChromeFlash_keep(
     };
     const std::string store = join(data, profile) + kStore;
     for (const std::string& random : FileManager::contentsOfDirectoryAtPath(store)) {
-      const std::string folder = join(store, random);
-      for (const std::string& name : FileManager::contentsOfDirectoryAtPath(folder)) {
-        if (name == kFlashSettingsDomain) {
-          const std::string settings = join(folder, kFlashSettings);
-          visitFlashSettings(settings,
-                             [&](const std::string& host, const std::string& entry,
-                                 FlashEntry /*kind*/) { judge(host, join(settings, entry)); });
-        } else if (!name.starts_with(".")) {
-          judge(flashHost(name), join(folder, name));
-        }
-      }
+      visitHosts(join(store, random), judge);
     }
   }
   return PepperFlashCounts{static_cast<std::int32_t>(seen.size()),

@@ -52,7 +52,7 @@ std::string homeFolder() {
 
 }  // namespace
 
-int offlineApplicationMain(int argc, char* argv[], DelegateFactory makeDelegate) {
+int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) {
   FileManager::raiseOpenFileLimit();
   const std::vector<std::string> arguments(argv, argv + argc);
   const FileManager files(homeFolder());

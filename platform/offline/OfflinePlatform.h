@@ -32,6 +32,6 @@ std::unique_ptr<UserNotificationCenter> makeDesktopNotifications();
 /// Runs the application over the home folder `$HOME`: makes the delegate, wakes it and launches
 /// it. Answers the exit status of a run that did not terminate by itself: `kHardErrorStatus` after
 /// a `HardError`, else 0.
-int offlineApplicationMain(int argc, char* argv[], DelegateFactory makeDelegate);
+int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate);
 
 }  // namespace tasselby

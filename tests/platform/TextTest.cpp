@@ -55,6 +55,12 @@ TEST(Text, DecodesPercentEscapesAsUtf8) {
   }
 }
 
+TEST(Text, FillsPlacesInOrderAndTakesValuesAsTheyAre) {
+  EXPECT_EQ(formatted("%@ of %@", {"%@", "b"}), "%@ of b");
+  EXPECT_EQ(formatted("%@, %@", {"a"}), "a, %@");
+  EXPECT_EQ(formatted("none", {"a"}), "none");
+}
+
 TEST(Text, JoinsWithOneSlashAndNeverStartsAnew) {
   EXPECT_EQ(join("/a", "b"), "/a/b");
   EXPECT_EQ(join("/a/", "/b"), "/a/b");

