@@ -120,7 +120,7 @@ std::vector<std::string> makeNames(const std::vector<std::string>& catalogue) {
   std::vector<std::string> names;
   for (int i = 0; i < kNames; ++i) {
     std::string name = random() % 4 == 0 ? catalogue[random() % catalogue.size()] : "";
-    for (unsigned length = 3 + random() % 12; length > 0; --length) {
+    for (auto length = 3 + random() % 12; length > 0; --length) {
       name += "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_"[random() % 53];
     }
     names.push_back(name);

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -153,6 +154,14 @@ void FileManager::removeItemAtPath(const std::string& path) {
     std::filesystem::remove_all(path, ignored);
   } else if (type != 0) {
     ::unlink(path.c_str());
+  }
+}
+
+void FileManager::raiseOpenFileLimit() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
   }
 }
 

@@ -56,6 +56,10 @@ class FileManager {
   /// failure ends the removal, leaves what is left and is not reported.
   static void removeItemAtPath(const std::string& path);
 
+  /// Lets this process hold as many files open as the system allows it: a removal holds one for each
+  /// level of a tree.
+  static void raiseOpenFileLimit();
+
  private:
   std::string home_;
   std::string volume_;

@@ -23,13 +23,28 @@ const std::vector<int> kErrors = {EACCES, EIO, ENOSPC, EINTR};
 // cannot be read keeps nothing: that is the rule.
 constexpr const char* kAfterKeepList = "Cookies,cookies.sqlite,";
 
-class Faults : public Trial {};
+// A folder of Silverlight stores that cannot be listed counts as empty, and with an empty one the
+// whole plug-in goes: that is the rule too.
+bool losesSilverlight(const std::string& call) {
+  return call == "openat" || call == "getdents64";
+}
+
+class Faults : public Trial {
+ protected:
+  /// Every error in turn, or with more than one round all of them at every call.
+  std::vector<int> errorsOfThisRound() {
+    return rounds() > 1 ? kErrors : std::vector<int>{kErrors[next_++ % kErrors.size()]};
+  }
+
+ private:
+  std::size_t next_ = 0;
+};
 
 TEST_F(Faults, LoseNothingThatIsKept) {
   int runs = 0;
   for (const std::string& browser : kBrowsers) {
     for (const std::string& call : kCalls) {
-      for (const int error : kErrors) {
+      for (const int error : errorsOfThisRound()) {
         // SQLite tries again for as long as a call is interrupted, so not every one may be.
         const long first = error == EINTR ? 2 : 1;
         for (long every = first; every < first + 2 * rounds(); every += every < 3 ? 1 : 4) {
@@ -40,7 +55,7 @@ TEST_F(Faults, LoseNothingThatIsKept) {
               run({browser}, Disturbance{call + ",", error, every, false, kAfterKeepList});
           EXPECT_TRUE(result.status == 0 || result.status == 70) << label << result.status;
           EXPECT_EQ(result.output, "") << label;
-          expectKept(browser, label);
+          expectKept(browser, label, losesSilverlight(call) ? "Silverlight" : "");
           expectSound(label);
           ++runs;
         }

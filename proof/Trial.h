@@ -43,9 +43,10 @@ class Trial : public ::testing::Test {
   /// Starts the worker over the home and answers its process.
   pid_t start(const std::vector<std::string>& arguments) const;
 
-  /// Expects everything that a run for `browser` keeps to hold what it held at first, and every
-  /// database and cookie file to be sound.
-  void expectKept(const std::string& browser, const std::string& label) const;
+  /// Expects everything that a run for `browser` keeps, `exceptStore` aside, to hold what it held
+  /// at first, and every database and cookie file to be sound.
+  void expectKept(const std::string& browser, const std::string& label,
+                  const std::string& exceptStore = "") const;
   void expectSound(const std::string& label) const;
 
   /// Expects that nothing is left of what a run for `browser` removes.

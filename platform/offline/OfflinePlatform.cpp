@@ -53,6 +53,7 @@ std::string homeFolder() {
 }  // namespace
 
 int offlineApplicationMain(int argc, char* argv[], DelegateFactory makeDelegate) {
+  FileManager::raiseOpenFileLimit();
   const std::vector<std::string> arguments(argv, argv + argc);
   const FileManager files(homeFolder());
   const auto userDefaults = makeOfflineUserDefaults(arguments, files);
