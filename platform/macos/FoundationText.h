@@ -1,0 +1,34 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace tasselby {
+
+/// `string` in UTF-8, NUL characters included; empty for nil. A lone surrogate, which UTF-8 lacks,
+/// is written in three bytes as if it were a character.
+std::string utf8(NSString* string);
+
+/// `text` as an autoreleased string, never nil. Text that is no UTF-8 is read a byte a character,
+/// so that nothing of it is lost.
+NSString* nsString(std::string_view text);
+
+/// Owns one reference to an object.
+class Retained {
+ public:
+  Retained() = default;
+  /// Takes over a reference that the caller owns, as +alloc and functions named "Copy" answer it.
+  explicit Retained(id owned) : object_(owned) {}
+  Retained(const Retained&) = delete;
+  Retained& operator=(const Retained&) = delete;
+  ~Retained() { [object_ release]; }
+
+  id get() const { return object_; }
+
+ private:
+  id object_ = nil;
+};
+
+}  // namespace tasselby

@@ -1,0 +1,142 @@
+// The user notification centre. Its classes are deprecated since macOS 11 and still there; what
+// replaces them asks the user's leave first, and a process that ends at once cannot wait for that.
+
+#import <Foundation/Foundation.h>
+#include <charconv>
+
+#import "platform/macos/FoundationText.h"
+#include "platform/macos/MacPlatform.h"
+
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
+/// The centre's delegate, which hands its questions on to the one in C++.
+@interface TasselbyNotificationForwarder : NSObject <NSUserNotificationCenterDelegate> {
+ @public
+  tasselby::UserNotificationCenter* owner;
+  tasselby::UserNotificationCenterDelegate* target;
+  // What was handed on so far; a notification's identifier is its place here. The system's own
+  // identifiers are none before somebody sets them.
+  NSMutableArray* handedOn;
+}
+@end
+
+@implementation TasselbyNotificationForwarder
+
+- (void)dealloc {
+  [handedOn release];
+  [super dealloc];
+}
+
+- (tasselby::UserNotification)handOn:(NSUserNotification*)notification {
+  if (handedOn == nil) {
+    handedOn = [[NSMutableArray alloc] init];
+  }
+  tasselby::UserNotification copy;
+  copy.identifier = std::to_string([handedOn count]);
+  copy.title = tasselby::utf8([notification title]);
+  copy.subtitle = tasselby::utf8([notification subtitle]);
+  copy.informativeText = tasselby::utf8([notification informativeText]);
+  [handedOn addObject:notification];
+  return copy;
+}
+
+- (void)userNotificationCenter:(NSUserNotificationCenter*)center
+       didActivateNotification:(NSUserNotification*)notification {
+  static_cast<void>(center);
+  @autoreleasepool {
+    tasselby::endingOnError([self, notification] {
+      target->userNotificationCenter_didActivateNotification(*owner, [self handOn:notification]);
+    });
+  }
+}
+
+- (BOOL)userNotificationCenter:(NSUserNotificationCenter*)center
+     shouldPresentNotification:(NSUserNotification*)notification {
+  static_cast<void>(center);
+  BOOL answer = NO;
+  @autoreleasepool {
+    tasselby::endingOnError([self, notification, &answer] {
+      answer = target->userNotificationCenter_shouldPresentNotification(*owner,
+                                                                        [self handOn:notification])
+                   ? YES
+                   : NO;
+    });
+  }
+  return answer;
+}
+
+@end
+
+namespace tasselby {
+namespace {
+
+NSUserNotification* systemNotification(const UserNotification& notification) {
+  NSUserNotification* object = [[[NSUserNotification alloc] init] autorelease];
+  [object setTitle:nsString(notification.title)];
+  [object setSubtitle:nsString(notification.subtitle)];
+  if (!notification.informativeText.empty()) {
+    [object setInformativeText:nsString(notification.informativeText)];
+  }
+  [object setHasActionButton:notification.hasActionButton ? YES : NO];
+  [object setSoundName:notification.soundName ? nsString(*notification.soundName) : nil];
+  const std::chrono::duration<double> date = notification.deliveryDate.time_since_epoch();
+  [object setDeliveryDate:[NSDate dateWithTimeIntervalSince1970:date.count()]];
+  return object;
+}
+
+class MacNotificationCenter final : public UserNotificationCenter {
+ public:
+  MacNotificationCenter() { forwarder()->owner = this; }
+  MacNotificationCenter(const MacNotificationCenter&) = delete;
+  MacNotificationCenter& operator=(const MacNotificationCenter&) = delete;
+  ~MacNotificationCenter() override {
+    if (forwarder()->target != nullptr) {
+      setDelegate(nullptr);
+    }
+  }
+
+  void setDelegate(UserNotificationCenterDelegate* delegate) override {
+    @autoreleasepool {
+      forwarder()->target = delegate;
+      [[NSUserNotificationCenter defaultUserNotificationCenter]
+          setDelegate:delegate != nullptr ? forwarder() : nil];
+    }
+  }
+
+  void scheduleNotification(const UserNotification& notification) override {
+    @autoreleasepool {
+      [[NSUserNotificationCenter defaultUserNotificationCenter]
+          scheduleNotification:systemNotification(notification)];
+    }
+  }
+
+  void removeDeliveredNotification(const UserNotification& notification) override {
+    const std::string& identifier = notification.identifier;
+    NSUInteger place = NSNotFound;
+    std::from_chars(identifier.data(), identifier.data() + identifier.size(), place);
+    @autoreleasepool {
+      NSArray* handedOn = forwarder()->handedOn;
+      if (place < [handedOn count]) {
+        [[NSUserNotificationCenter defaultUserNotificationCenter]
+            removeDeliveredNotification:[handedOn objectAtIndex:place]];
+      }
+    }
+  }
+
+ private:
+  TasselbyNotificationForwarder* forwarder() const { return forwarder_.get(); }
+
+  // Owned here: the centre does not keep its delegate alive.
+  Retained forwarder_{[[TasselbyNotificationForwarder alloc] init]};
+};
+
+}  // namespace
+
+std::unique_ptr<UserNotificationCenter> makeMacNotificationCenter() {
+  return std::make_unique<MacNotificationCenter>();
+}
+
+}  // namespace tasselby
+
+#pragma clang diagnostic pop

@@ -1,0 +1,164 @@
+// What the worker relies on, whichever adapter is below it.
+
+#include <algorithm>
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+#include "samples/BinaryCookieWriter.h"
+#include "samples/KeychainWriter.h"
+#include "tests/platform/contract/Adapter.h"
+
+namespace tasselby {
+namespace {
+
+using Body = std::function<void(const Platform&)>;
+
+std::vector<char*> processArguments;
+Body body;
+
+class BodyDelegate final : public ApplicationDelegate {
+ public:
+  explicit BodyDelegate(const Platform& platform) : platform_(platform) {}
+  void awakeFromNib() override {}
+  void applicationDidFinishLaunching() override { body(platform_); }
+
+ private:
+  Platform platform_;
+};
+
+void onPlatform(const Body& test) {
+  body = test;
+  runAdapter(static_cast<int>(processArguments.size()), processArguments.data(),
+             [](const Platform& platform) -> std::unique_ptr<ApplicationDelegate> {
+               return std::make_unique<BodyDelegate>(platform);
+             });
+}
+
+std::string preferences(const std::string& values) {
+  return R"(<?xml version="1.0"?><plist version="1.0"><dict>)" + values + "</dict></plist>";
+}
+
+/// Each test in a process of its own: the system's adapter reads some things once.
+struct AdapterContract : ::testing::Test {
+  void SetUp() override {
+    home.file("Library/Preferences/com.example.suite.plist", preferences(R"(
+             <key>true</key><true/> <key>false</key><false/> <key>both</key><true/>
+             <key>1</key><integer>1</integer> <key>2</key><integer>2</integer>
+             <key>0</key><integer>0</integer> <key>YES</key><string>YES</string>
+             <key>NO</key><string>NO</string> <key>maybe</key><string>maybe</string>
+             <key>list</key><array><true/></array>)"))
+        .file("Library/Preferences/com.marrowgatestudios.Tasselby.Worker.plist",
+              preferences("<key>both</key><false/><key>own</key><true/>"))
+        .file("Library/Keychains/login.keychain-db",
+              keychainFile({{.server = "www.example.com"},
+                            {.server = "b\xC3\xBC.example", .account = "berta"},
+                            {.server = "mail.example", .authenticationType = "dflt"}}))
+        .file("Library/Cookies/Cookies.binarycookies",
+              binaryCookieFile({{.domain = ".example.com", .name = "a", .value = "v"},
+                                {.domain = "www.example.com", .name = "a", .value = "v"},
+                                {.domain = "www.example.com", .name = "b", .value = "v"}}));
+    ::setenv("HOME", home.home().c_str(), 1);
+    prepareAdapter(home);
+  }
+
+  ScratchHome home;
+};
+
+TEST_F(AdapterContract, ApplicationHasTheProcessesArgumentsAndHome) {
+  onPlatform([this](const Platform& platform) {
+    EXPECT_EQ(platform.application.arguments(),
+              Names(processArguments.begin(), processArguments.end()));
+    EXPECT_EQ(platform.files.expandTilde("~"), home.home());
+    EXPECT_GE(platform.coreFoundationVersionNumber, 744.0);
+  });
+}
+
+TEST_F(AdapterContract, UserDefaultsReadTheFirstDomainThatHasTheKey) {
+  onPlatform([](const Platform& platform) {
+    EXPECT_FALSE(platform.userDefaults.boolForKey("true")) << "before its suite is added";
+    platform.userDefaults.addSuiteNamed("com.example.suite");
+    for (const char* key : {"true", "1", "2", "YES", "own", "argument"}) {
+      EXPECT_TRUE(platform.userDefaults.boolForKey(key)) << key;
+    }
+    for (const char* key : {"false", "0", "NO", "maybe", "list", "both", "absent"}) {
+      EXPECT_FALSE(platform.userDefaults.boolForKey(key)) << key;
+    }
+  });
+}
+
+TEST_F(AdapterContract, BundleAnswersTheKeyOfAMissingText) {
+  onPlatform([](const Platform& platform) {
+    for (const char* key : {"%@ Cookies, and Cache removed from %@", "", "\xC3\xBC"}) {
+      EXPECT_EQ(platform.bundle.localizedString(key, ""), key);
+    }
+  });
+}
+
+TEST_F(AdapterContract, KeychainAnswersTheAttributesOfWhatMatches) {
+  onPlatform([](const Platform& platform) {
+    const auto found = [&platform](const KeychainQuery& query) {
+      Names servers;
+      for (const KeychainAttributes& item : platform.keychain.copyMatching(query).items) {
+        servers.push_back(item.at("srvr") + " " + item.at("atyp"));
+      }
+      return servers;
+    };
+    KeychainQuery query;
+    EXPECT_EQ(platform.keychain.copyMatching(query).status, Keychain::kSuccess);
+    EXPECT_EQ(found(query), Names{}) << "attributes only when asked for";
+    query.returnAttributes = true;
+    EXPECT_EQ(found(query), Names{"www.example.com form"});
+    query.matchLimit = KeychainQuery::MatchLimit::kAll;
+    EXPECT_EQ(found(query),
+              (Names{"www.example.com form", "b\xC3\xBC.example form", "mail.example dflt"}));
+    query.account = "berta";
+    EXPECT_EQ(found(query), Names{"b\xC3\xBC.example form"});
+    query.service = "Mail";
+    EXPECT_EQ(platform.keychain.copyMatching(query).status, Keychain::kItemNotFound);
+  });
+}
+
+TEST_F(AdapterContract, CookieStorageDeletesExactlyTheCookieGiven) {
+  onPlatform([](const Platform& platform) {
+    const auto stored = [&platform] {
+      Names names;
+      for (const HTTPCookie& cookie : platform.cookieStorage.cookies()) {
+        names.push_back(cookie.domain + " " + cookie.name);
+      }
+      std::ranges::sort(names);
+      return names;
+    };
+    const std::vector<HTTPCookie> before = platform.cookieStorage.cookies();
+    EXPECT_EQ(stored(), (Names{".example.com a", "www.example.com a", "www.example.com b"}));
+    for (const HTTPCookie& cookie : before) {
+      if (cookie.domain == "www.example.com" && cookie.name == "a") {
+        platform.cookieStorage.deleteCookie(cookie);
+        platform.cookieStorage.deleteCookie(cookie);
+      }
+    }
+    platform.cookieStorage.synchronize();
+    EXPECT_EQ(stored(), (Names{".example.com a", "www.example.com b"}));
+  });
+}
+
+TEST_F(AdapterContract, NotificationCenterShowsWhatIsScheduled) {
+  const auto schedule = [](const Platform& platform) {
+    UserNotification notification;
+    notification.title = "Tasselby";
+    notification.subtitle = "3 Cookies, \xC3\xBC";
+    platform.notificationCenter.scheduleNotification(notification);
+    // One without an identifier was never handed out, and is none that could be removed.
+    platform.notificationCenter.removeDeliveredNotification(notification);
+  };
+  EXPECT_EQ(shownDuring([&schedule] { onPlatform(schedule); }),
+            Names{"Tasselby|3 Cookies, \xC3\xBC"});
+}
+
+}  // namespace
+}  // namespace tasselby
+
+int main(int argc, char* argv[]) {
+  tasselby::processArguments.assign(argv, argv + argc);
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,73 @@
+// What only the Mac adapter has to do.
+
+#import <Foundation/Foundation.h>
+#include <gtest/gtest.h>
+#include <cstdlib>
+
+#import "platform/macos/FoundationText.h"
+#include "platform/macos/MacPlatform.h"
+#include "samples/ScratchHome.h"
+
+@interface NSUserNotificationCenter (Click)
+- (void)clickFirst;
+@end
+
+@interface LoneSurrogates : NSString
+@end
+
+@implementation LoneSurrogates
+- (NSUInteger)length {
+  return 3;
+}
+- (unichar)characterAtIndex:(NSUInteger)index {
+  return index == 0 ? 'a' : index == 1 ? 0xDE00 : 0xD83D;
+}
+@end
+
+namespace tasselby {
+namespace {
+
+class RemovingDelegate final : public UserNotificationCenterDelegate {
+ public:
+  void userNotificationCenter_didActivateNotification(
+      UserNotificationCenter& center, const UserNotification& notification) override {
+    center.removeDeliveredNotification(notification);
+  }
+  bool userNotificationCenter_shouldPresentNotification(
+      UserNotificationCenter& /*center*/, const UserNotification& notification) override {
+    return notification.title == "first";
+  }
+};
+
+TEST(MacNotificationCenter, AsksTheDelegateAndRemovesTheNotificationClicked) {
+  ScratchHome home;
+  home.folder("GNUstep");
+  ::setenv("HOME", home.home().c_str(), 1);
+  RemovingDelegate delegate;
+  const auto center = makeMacNotificationCenter();
+  center->setDelegate(&delegate);
+  for (const char* title : {"first", "second", "first"}) {
+    UserNotification notification;
+    notification.title = title;
+    notification.soundName = "Ping";
+    center->scheduleNotification(notification);
+  }
+  [[NSUserNotificationCenter defaultUserNotificationCenter] clickFirst];
+  EXPECT_EQ(home.contents("GNUstep/Notifications"),
+            "second||(null)|1|Ping|0\nfirst||(null)|1|Ping|1\n");
+}
+
+TEST(FoundationText, LosesNothingOnTheWay) {
+  @autoreleasepool {
+    for (const std::string& text :
+         {std::string("a\0b", 3), std::string("\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80")}) {
+      EXPECT_EQ(utf8(nsString(text)), text);
+    }
+    EXPECT_EQ(utf8(nsString("a\xFF")), "a\xC3\xBF") << "no UTF-8: a character a byte";
+    EXPECT_EQ(utf8(nil), "");
+    EXPECT_EQ(utf8([[[LoneSurrogates alloc] init] autorelease]), "a\xED\xB8\x80\xED\xA0\xBD");
+  }
+}
+
+}  // namespace
+}  // namespace tasselby
