@@ -1,9 +1,14 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "fuzz/Check.h"
 #include "platform/offline/ArgumentDomain.h"
+
+using namespace tasselby;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // One argument a line.
@@ -15,6 +20,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       arguments.back() += static_cast<char>(data[i]);
     }
   }
-  tasselby::argumentDomain(arguments);
+  const std::map<std::string, bool> domain = argumentDomain(arguments);
+  check(domain.size() <= arguments.size() / 2);
+  for (const auto& [name, value] : domain) {
+    check(std::ranges::find(arguments, "-" + name) != arguments.end() && !name.empty());
+  }
   return 0;
 }

@@ -1,7 +1,9 @@
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
+#include "fuzz/Check.h"
 #include "platform/offline/PropertyList.h"
 
 using namespace tasselby;
@@ -9,10 +11,10 @@ using namespace tasselby;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   const PropertyList list(bytes);
-  list.boolValue();
   for (const char* key : {"removeAll", "displayNotifications", "secureDeleteData", ""}) {
-    list.boolForKey(key);
+    // Only a dictionary has keys, and as a value that is false.
+    check(!list.boolForKey(key) || !list.boolValue());
   }
-  boolValueOfString(bytes);
+  check(!boolValueOfString(bytes) || boolValueOfString(" \t" + std::string(bytes)));
   return 0;
 }

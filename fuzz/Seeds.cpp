@@ -22,7 +22,7 @@ void copyFiles(const fs::path& home, const fs::path& seeds, const std::string& f
   int number = 0;
   for (const auto& entry : fs::recursive_directory_iterator(home)) {
     if (entry.is_regular_file() && entry.path().native().ends_with(ending)) {
-      fs::copy_file(entry.path(), seeds / fuzzer / (ending + std::to_string(number++)));
+      fs::copy_file(entry.path(), seeds / fuzzer / (std::to_string(number++) + ending));
     }
   }
 }

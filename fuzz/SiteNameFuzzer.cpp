@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -11,8 +12,13 @@ using namespace tasselby;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string host(data, data + size);
+  const std::string lower = lowerCase(host);
+  check(lowerCase(lower) == lower);
   if (const std::optional<std::string> site = WorkerExtras::siteWithDomainName(host)) {
-    check(lowerCase(host).ends_with(*site));
+    check(lower.ends_with(*site));
+    // An address, and a name with a dot at its end, may have any number of labels.
+    const bool whole = trimDecimalDigits(site->substr(site->rfind('.') + 1)).empty();
+    check(whole || std::ranges::count(*site, '.') <= 2);
   }
   return 0;
 }

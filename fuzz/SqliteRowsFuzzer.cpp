@@ -1,8 +1,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <stdlib.h>
+#include <filesystem>
 #include <string>
 #include <unistd.h>
 
@@ -12,15 +11,10 @@ using namespace tasselby;
 
 namespace {
 
-/// A file of this process's own, in memory where the system has such a folder.
+/// A file of this process's own, in the folder for temporary files.
 const std::string& filePath() {
-  static const std::string path = [] {
-    std::string pattern =
-        ::access("/dev/shm", W_OK) == 0 ? "/dev/shm/tasselby-XXXXXX" : "/tmp/tasselby-XXXXXX";
-    ::close(::mkstemp(pattern.data()));
-    std::atexit([] { ::unlink(filePath().c_str()); });
-    return pattern;
-  }();
+  static const std::string path =
+      std::filesystem::temp_directory_path() / ("tasselby-" + std::to_string(::getpid()));
   return path;
 }
 
