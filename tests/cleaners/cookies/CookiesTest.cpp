@@ -133,25 +133,5 @@ TEST_F(CookiesTest, TellsTrackingNamesAsTryingEveryPrefixWould) {
   }
 }
 
-TEST_F(CookiesTest, LosesNothingThatIsKeptWhenKilled) {
-  std::vector<SampleCookie> cookies = cookiesAt("kept.com", Names(500, "kept"));
-  cookies.resize(4000, {"gone.com", "gone"});
-  const std::string path = cookieStore("Camino");
-  writeCookies(home.path(path), "Camino", cookies);
-  std::mt19937 random(1);
-  for (int round = 0; round < 40; ++round) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      worker.removeCookies_keepCookies("Camino", kKept);
-      ::_exit(0);
-    }
-    ::usleep(static_cast<useconds_t>(random() % 50000));
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
-    ASSERT_EQ(rows(path, "PRAGMA integrity_check").at(0).values(), std::vector<Value>{"ok"});
-    ASSERT_EQ(rows(path, "SELECT id FROM moz_cookies WHERE host = 'kept.com'").size(), 500U);
-  }
-}
-
 }  // namespace
 }  // namespace tasselby

@@ -3,7 +3,7 @@
 #include "platform/macos/MacPlatform.h"
 #include "platform/offline/OfflinePlatform.h"
 #include "samples/ScratchHome.h"
-#include "tests/platform/contract/Adapter.h"
+#include "proof/contract/Adapter.h"
 
 namespace tasselby {
 namespace {

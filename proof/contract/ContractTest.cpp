@@ -6,7 +6,7 @@
 
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
-#include "tests/platform/contract/Adapter.h"
+#include "proof/contract/Adapter.h"
 
 namespace tasselby {
 namespace {

@@ -6,7 +6,7 @@
 #include "samples/MacHome.h"
 #include "samples/NotificationBus.h"
 #include "samples/RunWorker.h"
-#include "tests/platform/contract/Adapter.h"
+#include "proof/contract/Adapter.h"
 
 namespace tasselby {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "platform/offline/OfflinePlatform.h"
 #include "samples/NotificationBus.h"
-#include "tests/platform/contract/Adapter.h"
+#include "proof/contract/Adapter.h"
 
 namespace tasselby {
 

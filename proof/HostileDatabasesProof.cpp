@@ -1,0 +1,114 @@
+// Database files that were made to mislead, or were damaged.
+
+#include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <numeric>
+#include <sqlite3.h>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
+
+#include "samples/ScratchHome.h"
+#include "storage/Sqlite.h"
+
+namespace tasselby {
+namespace {
+
+using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
+
+/// A connection that has none of the guards, with `sql` run on it.
+Connection plainly(const std::string& path, const std::string& sql) {
+  sqlite3* connection = nullptr;
+  sqlite3_open(path.c_str(), &connection);
+  EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+  return {connection, &sqlite3_close};
+}
+
+struct HostileDatabases : ::testing::Test {
+  ScratchHome home;
+  std::string path = home.path("cookies.sqlite");
+  Sqlite sqlite;
+
+  std::size_t rowsOf(const std::string& sql) { return sqlite.executeQuery(sql).value().size(); }
+};
+
+const std::string kEndless = "WITH c(host) AS (SELECT 1 UNION ALL SELECT host FROM c) ";
+
+TEST_F(HostileDatabases, OpensPlainFilesOnly) {
+  ASSERT_EQ(::mkfifo(home.path("pipe").c_str(), 0600), 0);
+  for (const std::string& odd : {std::string(), home.path("pipe"), home.home(),
+                                 home.path("nul") + '\0', std::string("file:///tmp?mode=ro")}) {
+    EXPECT_FALSE(sqlite.open(odd)) << odd;
+  }
+  plainly(path, "CREATE TABLE t (a)");
+  ASSERT_EQ(::mkfifo((path + "-journal").c_str(), 0600), 0);
+  ASSERT_TRUE(sqlite.open(path));
+  EXPECT_EQ(sqlite.executeQuery("SELECT * FROM t"), std::nullopt);
+}
+
+TEST_F(HostileDatabases, ReadsNothingFromWhatIsNoSoundTable) {
+  const std::map<std::string, std::string> madeBy = {
+      {"view", "CREATE VIEW moz_cookies AS SELECT name AS host FROM sqlite_schema"},
+      {"endless view", "CREATE VIEW moz_cookies AS " + kEndless + " SELECT * FROM c"},
+      {"virtual table", "CREATE VIRTUAL TABLE moz_cookies USING fts5(host)"},
+      {"damaged schema",
+       "CREATE TABLE moz_cookies (host); PRAGMA writable_schema = ON;"
+       "UPDATE sqlite_schema SET sql = 'CREATE TABLE moz_cookies ((('"},
+      {"huge", "CREATE TABLE moz_cookies (host)"},
+  };
+  for (const auto& [name, sql] : madeBy) {
+    plainly(home.path(name), sql);
+  }
+  home.file("huge", home.contents("huge").replace(28, 4, "\x7F\xFF\xFF\xFF")).file("text", "none");
+  for (const std::string& name : home.list("")) {
+    ASSERT_TRUE(sqlite.open(home.path(name)));
+    EXPECT_EQ(sqlite.executeQuery("SELECT * FROM moz_cookies;"), std::nullopt) << name;
+    EXPECT_EQ(sqlite.executeQuery("DELETE FROM moz_cookies WHERE host = 'a'"), std::nullopt);
+  }
+}
+
+TEST_F(HostileDatabases, EndsStatementsThatWouldNotEnd) {
+  ASSERT_TRUE(sqlite.open(path));
+  EXPECT_LT(rowsOf(kEndless + "SELECT zeroblob(1 << 20) FROM c"), 65U);
+  EXPECT_EQ(sqlite.executeQuery(kEndless + "SELECT * FROM c WHERE host = 2"), RowList());
+  EXPECT_EQ(sqlite.errorCode(), SQLITE_INTERRUPT);
+}
+
+TEST_F(HostileDatabases, AllowsAFileMoreOnceItHasGrown) {
+  ASSERT_TRUE(sqlite.open(path));
+  sqlite.executeNonQuery("CREATE TABLE t (a)");
+  sqlite.executeNonQuery("INSERT INTO t " + kEndless + "SELECT zeroblob(8192) FROM c LIMIT 70");
+  EXPECT_EQ(rowsOf("SELECT zeroblob(1 << 20) FROM t"), 70U);
+}
+
+TEST_F(HostileDatabases, RunsNoTriggers) {
+  plainly(path,
+          "CREATE TABLE t (a); INSERT INTO t VALUES ('gone'), ('kept');"
+          "CREATE TRIGGER r AFTER DELETE ON t BEGIN DELETE FROM t; END");
+  ASSERT_TRUE(sqlite.open(path));
+  EXPECT_EQ(sqlite.executeQuery("DELETE FROM t WHERE a = 'gone'"), RowList());
+  EXPECT_EQ(rowsOf("SELECT * FROM t"), 1U);
+}
+
+TEST_F(HostileDatabases, RemovesNoFileThatAJournalNames) {
+  plainly(path, "CREATE TABLE t (a)");
+  const std::string victim = home.file("precious").path("precious");
+  const auto number = [](int value) {
+    return std::string({'\0', '\0', static_cast<char>(value >> 8), static_cast<char>(value)});
+  };
+  const std::string magic = "\xD9\xD5\x05\xF9\x20\xA1\x63\xD7";
+  std::string journal = magic + number(0) + number(0) + number(2) + number(512) + number(4096);
+  journal.resize(512);
+  journal += number(1) + victim + number(static_cast<int>(victim.size())) +
+             number(std::accumulate(victim.begin(), victim.end(), 0)) + magic;
+  home.file("cookies.sqlite-journal", journal);
+
+  ASSERT_TRUE(sqlite.open(path));
+  sqlite.executeQuery("SELECT * FROM t");
+  EXPECT_EQ(home.list(""), (Names{"cookies.sqlite", "precious"})) << "recovered";
+}
+
+}  // namespace
+}  // namespace tasselby
