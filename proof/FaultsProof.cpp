@@ -40,7 +40,7 @@ class Faults : public Trial {
         // SQLite tries again for as long as a call is interrupted, so not every one may be.
         const long first = error == EINTR ? 2 : 1;
         for (long every = first; every < first + 2 * rounds(); every += every < 3 ? 1 : 4) {
-          all.push_back({call + ",", error, every, false, kAfterKeepList});
+          all.push_back({FAILING_CALLS, call + ",", error, every, false, kAfterKeepList});
         }
       }
     }
@@ -75,7 +75,8 @@ TEST_F(Faults, LeaveEverythingSoundWhileTheKeepListIsBuilt) {
     for (const std::string& call : kCalls) {
       reset();
       const std::string label = browser + " " + call;
-      const WorkerRun result = run({browser}, Disturbance{call + ",", EIO, 2, false, "/Users/"});
+      const WorkerRun result =
+          run({browser}, Disturbance{FAILING_CALLS, call + ",", EIO, 2, false, "/Users/"});
       EXPECT_TRUE(result.status == 0 || result.status == 70) << label << result.status;
       EXPECT_EQ(result.output, "") << label;
       expectSound(label);
@@ -90,8 +91,9 @@ TEST_F(Faults, EndWhileOverwriting) {
     for (const int error : kErrors) {
       reset();
       const std::string label = browser + " " + std::to_string(error);
-      const WorkerRun result = run({browser, "-secureDeleteData", "YES"},
-                                   Disturbance{"write,", error, 2, false, kAfterKeepList});
+      const WorkerRun result =
+          run({browser, "-secureDeleteData", "YES"},
+              Disturbance{FAILING_CALLS, "write,", error, 2, false, kAfterKeepList});
       EXPECT_EQ(result.status, 0) << label;
       expectKept(browser, label);
       expectSound(label);

@@ -56,7 +56,8 @@ TEST_F(Kills, AtWriteCallsLoseNothing) {
     for (long call = 1;; call += step) {
       reset();
       const std::string label = browser + " killed at call " + std::to_string(call);
-      const WorkerRun result = run({browser}, Disturbance{kWriteCalls, 0, call, true, ""});
+      const WorkerRun result =
+          run({browser}, Disturbance{FAILING_CALLS, kWriteCalls, 0, call, true, ""});
       if (result.status != kKilled) {
         EXPECT_EQ(result.status, 0) << label;
         break;

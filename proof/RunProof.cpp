@@ -1,8 +1,11 @@
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
+#include <sys/inotify.h>
+#include <unistd.h>
 #include <vector>
 
 #include "samples/MacHome.h"
@@ -89,12 +92,25 @@ TEST_F(RunTest, TakesTheFirstBrowserAndThePreferencesOfTheCommandLine) {
   EXPECT_TRUE(volume.has("Library/Caches/com.apple.Safari/Cache.db"));
 }
 
-TEST_F(RunTest, RemovesEverySiteWithoutAskingForPasswords) {
+TEST_F(RunTest, RemovesEverySiteWithoutOpeningAPasswordSource) {
+  const std::string keychain = "Library/Keychains/login.keychain-db";
+  const std::string logins =
+      "Library/Application Support/Firefox/Profiles/k3x9q2ab.default/signons.sqlite";
+  const int watch = ::inotify_init1(IN_NONBLOCK);
+  for (const std::string& path : {keychain, logins}) {
+    ASSERT_GE(::inotify_add_watch(watch, volume.path(path).c_str(), IN_OPEN), 0);
+  }
   EXPECT_EQ(run({"Firefox", "-removeAll", "YES"}).status, 0);
+  EXPECT_EQ(run({"Safari", "-removeAll", "YES"}).status, 0);
+  std::array<char, 4096> events;
+  EXPECT_LT(::read(watch, events.data(), events.size()), 0) << "a password source was opened";
+  EXPECT_EQ(run({"Safari"}).status, 0);
+  EXPECT_GT(::read(watch, events.data(), events.size()), 0) << "the watch sees nothing";
+  ::close(watch);
+
   for (std::size_t i = 0; i < sample.items().size(); ++i) {
-    const SampleItem& item = sample.items()[i];
-    if (item.store == "Firefox local storage") {
-      EXPECT_FALSE(sample.contents()[i]) << item.key;
+    if (sample.items()[i].store == "Firefox local storage") {
+      EXPECT_FALSE(sample.contents()[i]) << sample.items()[i].key;
     }
   }
 }

@@ -28,7 +28,7 @@ fs::path scratchFolder() {
 }
 
 void disturb(const Disturbance& disturbance) {
-  ::setenv("LD_PRELOAD", FAILING_CALLS, 1);
+  ::setenv("LD_PRELOAD", disturbance.preload.c_str(), 1);
   ::setenv("FAIL_CALLS", disturbance.calls.c_str(), 1);
   ::setenv("FAIL_ERROR", std::to_string(disturbance.error).c_str(), 1);
   ::setenv("FAIL_EVERY", std::to_string(disturbance.every).c_str(), 1);

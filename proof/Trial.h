@@ -14,6 +14,8 @@ namespace tasselby {
 
 /// How the preloaded library is to disturb a run. See FailingCalls.cpp.
 struct Disturbance {
+  /// The library that is preloaded.
+  std::string preload;
   std::string calls;
   /// The error number; 0 kills.
   int error = 0;

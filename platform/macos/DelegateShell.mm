@@ -63,6 +63,7 @@ tasselby::DelegateFactory delegateFactory = nullptr;
 namespace tasselby {
 
 int macApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) {
+  FileManager::raiseOpenFileLimit();
   delegateFactory = makeDelegate;
   @autoreleasepool {
     return NSApplicationMain(argc, const_cast<const char**>(argv));

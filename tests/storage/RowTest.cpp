@@ -9,14 +9,6 @@ Row rowOf(std::vector<std::string> names, std::vector<Value> values) {
   return {std::make_shared<const std::vector<std::string>>(std::move(names)), std::move(values)};
 }
 
-TEST(Row, FindsColumnsByName) {
-  const Row row = rowOf({"host", "gone"}, {"a.example", Null()});
-  EXPECT_EQ(*row.text("host"), "a.example");
-  EXPECT_EQ(row.text("gone"), nullptr) << "no text";
-  EXPECT_EQ(*row.find("gone"), Value(Null())) << "NULL is there";
-  EXPECT_EQ(row.find("HOST"), nullptr);
-}
-
 TEST(Row, IsEqualByNamesAndValues) {
   const Row row = rowOf({"a", "b"}, {0.0, Bytes{1}});
   EXPECT_EQ(row, rowOf({"a", "b"}, {-0.0, Bytes{1}}));
