@@ -8,31 +8,12 @@
 #include <thread>
 #include <vector>
 
-#include "samples/ScratchHome.h"
-#include "storage/Sqlite.h"
+#include "tests/support/DatabaseTest.h"
 
 namespace tasselby {
 namespace {
 
-using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
-
-/// A connection that has none of the guards, with `sql` run on it.
-Connection plainly(const std::string& path, const std::string& sql) {
-  sqlite3* connection = nullptr;
-  sqlite3_open(path.c_str(), &connection);
-  EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-  return {connection, &sqlite3_close};
-}
-
-struct SqliteTest : ::testing::Test {
-  ScratchHome home;
-  std::string path = home.path("cookies.sqlite");
-  Sqlite sqlite;
-
-  std::size_t rowsOf(const std::string& sql) { return sqlite.executeQuery(sql).value().size(); }
-};
-
-const std::string kEndless = "WITH c(host) AS (SELECT 1 UNION ALL SELECT host FROM c) ";
+using SqliteTest = DatabaseTest;
 
 TEST_F(SqliteTest, AnswersValuesByTheirStorageClass) {
   ASSERT_TRUE(sqlite.open(path));
