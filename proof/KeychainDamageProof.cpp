@@ -70,9 +70,9 @@ TEST(KeychainFile, PassesOverExactlyWhatIsDamaged) {
       {"more values", {{0x1ab, 0x2c}, {0x1b8, 0}, {0x1b9, 0}, {0x1ba, 4}, {0x1bb, 1}}, noServer},
   };
   for (const Case& damage : cases) {
-    std::string bytes;
-    for (std::size_t i = 0; i < kExample.size(); i += 2) {
-      bytes += static_cast<char>(std::stoi(kExample.substr(i, 2), nullptr, 16));
+    std::string bytes(kExample.size() / 2, '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      bytes[i] = static_cast<char>(std::stoi(kExample.substr(i * 2, 2), nullptr, 16));
     }
     for (const auto& [offset, byte] : damage.bytes) {
       bytes.at(offset) = static_cast<char>(byte);

@@ -47,8 +47,7 @@ bool isSoundDatabase(const std::string& path) {
 
 }  // namespace
 
-Trial::Trial() {
-  folder_ = scratchFolder();
+Trial::Trial() : folder_(scratchFolder()) {
   original_.emplace(folder_ / "original", kSeed);
   contents_ = original_->contents();
   reset();
