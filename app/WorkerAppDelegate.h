@@ -152,7 +152,10 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
   /// Disposes of `browser`'s caches, and of those that all browsers share.
   void removeBrowserCache(const std::string& browser);
 
+  /// Disposes of three caches in every Firefox profile.
   void clearFireFoxCache();
+
+  /// Disposes of the caches of a Chromium-like `browser`.
   void clearChromeCache(const std::string& browser);
 
   /// Disposes of the caches that Safari's web processes keep in the per-user temporary folders.

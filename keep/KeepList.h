@@ -12,6 +12,7 @@ namespace tasselby {
 class KeepList {
  public:
   KeepList() = default;
+  /// A list of `sites` in their order.
   KeepList(std::initializer_list<std::string> sites);
 
   /// Appends `site` unless it is there.
@@ -20,6 +21,7 @@ class KeepList {
   /// Whether `site` is kept, in constant time. No site is never kept.
   bool contains(const std::optional<std::string>& site) const;
 
+  /// All sites, in the order they were added.
   const std::vector<std::string>& sites() const { return sites_; }
 
  private:

@@ -115,6 +115,17 @@ std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::strin
   return names;
 }
 
+bool FileManager::listsAsEmpty(const std::string& path) {
+  const Folder folder(hasNul(path) ? nullptr : ::opendir(path.c_str()));
+  while (const dirent* entry = folder ? ::readdir(folder.get()) : nullptr) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") {
+      return false;
+    }
+  }
+  return true;
+}
+
 bool FileManager::enumerateDeep(const std::string& path,
                                 const std::function<bool(const std::string&)>& visit) {
   std::error_code error;
@@ -147,6 +158,9 @@ std::optional<std::string> FileManager::textOfFile(const std::string& path) {
 }
 
 void FileManager::removeItemAtPath(const std::string& path) {
+  if (path.ends_with('/')) {
+    return removeItemAtPath(path.substr(0, path.size() - 1));
+  }
   // A superuser's unlink can take a whole folder on some systems, so the type is read first.
   const mode_t type = typeAt(path, false);
   if (type == S_IFDIR) {

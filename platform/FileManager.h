@@ -37,6 +37,10 @@ class FileManager {
   /// Links are followed. Empty when it is no folder or cannot be read to its end.
   static std::vector<std::string> contentsOfDirectoryAtPath(const std::string& path);
 
+  /// Whether the folder at `path` has no entries, hidden ones included, or cannot be listed. Looks
+  /// at one entry only.
+  static bool listsAsEmpty(const std::string& path);
+
   /// Calls `visit` with the path of each item below the folder at `path`, at every depth and
   /// hidden ones included, until it answers false or the first error. Links to folders inside are
   /// visited and not entered. Answers whether no visit answered false.

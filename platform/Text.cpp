@@ -187,10 +187,15 @@ std::string formatted(std::string_view format, std::initializer_list<std::string
 }
 
 std::string join(const std::string& base, std::string_view component) {
+  while (component.starts_with('/')) {
+    component.remove_prefix(1);
+  }
+  while (component.ends_with('/')) {
+    component.remove_suffix(1);
+  }
   if (component.empty()) {
     return base;
   }
-  component.remove_prefix(std::min(component.find_first_not_of('/'), component.size()));
   std::string path = base;
   while (path.ends_with('/')) {
     path.pop_back();
@@ -206,7 +211,8 @@ bool staysBelow(std::string_view component) {
   }
   while (true) {
     const std::size_t slash = component.find('/');
-    if (component.substr(0, slash) == "..") {
+    const std::string_view part = component.substr(0, slash);
+    if (part == ".." || part == ".") {
       return false;
     }
     if (slash == std::string_view::npos) {

@@ -65,7 +65,7 @@ std::string described(const Value& value) {
     return *text;
   }
   if (const auto* bytes = std::get_if<Bytes>(&value)) {
-    return std::string(bytes->begin(), bytes->end());
+    return {bytes->begin(), bytes->end()};
   }
   return std::holds_alternative<Null>(value) ? "NULL" : std::to_string(std::get<double>(value));
 }

@@ -40,13 +40,15 @@ pid_t startDaemon(const fs::path& folder, const std::string& address) {
   std::string program = "dbus-daemon";
   std::string configuration = "--config-file=" + (folder / "bus.conf").native();
   std::string print = "--print-address=" + std::to_string(ready[1]);
-  char* const arguments[] = {program.data(), configuration.data(), print.data(), nullptr};
+  const std::array<char*, 4> arguments = {program.data(), configuration.data(), print.data(),
+                                          nullptr};
   // What the daemon has to say of its limits is of no use here.
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   pid_t daemon = 0;
-  const int error = ::posix_spawnp(&daemon, program.c_str(), &actions, nullptr, arguments, environ);
+  const int error =
+      ::posix_spawnp(&daemon, program.c_str(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   ::close(ready[1]);
   char byte = 0;

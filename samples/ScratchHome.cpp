@@ -57,7 +57,8 @@ ScratchHome& ScratchHome::socket(const std::string& path) {
   address.sun_family = AF_UNIX;
   full.native().copy(address.sun_path, sizeof address.sun_path - 1);
   const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  ::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  [[maybe_unused]] const int bound =
+      ::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
   ::close(descriptor);
   return *this;
 }

@@ -16,6 +16,7 @@ struct Null {
   bool operator==(const Null&) const = default;
 };
 
+/// The bytes of a BLOB.
 using Bytes = std::vector<std::uint8_t>;
 
 /// One column of a row. An INTEGER is its decimal text.
@@ -38,6 +39,7 @@ class Row {
   /// The text under `column`; null when there is no such column or its value is not text.
   const std::string* text(std::string_view column) const;
 
+  /// All columns, and their values in the same order.
   const std::vector<std::string>& names() const { return *names_; }
   const std::vector<Value>& values() const { return values_; }
 
@@ -51,6 +53,7 @@ class Row {
   std::vector<Value> values_;
 };
 
+/// A result: its rows in the order SQLite delivered them.
 using RowList = std::vector<Row>;
 
 }  // namespace tasselby

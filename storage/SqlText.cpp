@@ -17,8 +17,8 @@ void executeListStatement(Sqlite& database, const std::string& format,
                           const std::vector<std::string>& names) {
   std::string list;
   for (const std::string& name : names) {
-    // Deliberate: quotes are not doubled here. A name that would end its text early fails the
-    // statement, whatever the rest of it would have made of the list.
+    // Deliberate: quotes are not doubled here. With a name that would end its text early nothing is
+    // run, whatever the rest of it would have made of the list.
     if (name.find('\'') != std::string::npos) {
       return;
     }

@@ -12,8 +12,10 @@ class Sqlite;
 std::string doubledQuotes(std::string_view text);
 
 /// Runs `format` with its "%@" replaced by `names`, joined by "','". They go in as they are: with a
-/// single quote in any of them the statement is malformed as a whole and changes nothing. With no
-/// names the list holds the empty text.
+/// single quote in any of them the statement would be malformed: it is not run and changes nothing.
+/// With no names the list holds the empty text. SQLite takes statements of up to 1,000,000,000
+/// bytes (SQLITE_LIMIT_SQL_LENGTH, in Debian's build and by default); a longer one fails to prepare
+/// and changes nothing either.
 void executeListStatement(Sqlite& database, const std::string& format,
                           const std::vector<std::string>& names);
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <limits>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <utility>
 
@@ -15,13 +17,11 @@ namespace {
 constexpr const char* kFileSystem = "tasselby-guarded";
 constexpr std::int64_t kMebi = 1 << 20;
 
-/// No browser keeps a single value as long.
-constexpr int kLongestValue = 64 * kMebi;
+/// In a file that is smaller no single value is as long.
+constexpr std::int64_t kLongestValue = 64 * kMebi;
 
 constexpr std::int64_t kAllowanceForAnyFile = 64 * kMebi;
 constexpr std::int64_t kAllowancePerByte = 32;
-/// A sparse file claims any size, so the allowance stops growing here.
-constexpr std::int64_t kLargestSizeCounted = 64 * kMebi;
 
 /// The callback that counts is called once in so many steps.
 constexpr int kStepsBetweenCounts = 1000;
@@ -43,8 +43,6 @@ constexpr auto kSettings = std::to_array<std::pair<int, int>>({
 constexpr auto kLimits = std::to_array<std::pair<int, int>>({
     // A statement reaches no second file.
     {SQLITE_LIMIT_ATTACHED, 0},
-    // A few bytes of schema can compute a value of a gigabyte.
-    {SQLITE_LIMIT_LENGTH, kLongestValue},
 });
 
 /// Pages are checked as they are read, for which a sound page passes; and none is mapped, as a
@@ -88,13 +86,11 @@ int registerFileSystem() {
   return sqlite3_vfs_register(&fileSystem, 0);
 }
 
+/// The bytes that the file takes on the disk, and not those it claims: a sparse one claims any.
 std::int64_t sizeOf(const char* path) {
-  if (path == nullptr) {
-    return 0;
-  }
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
-  return error ? 0 : static_cast<std::int64_t>(std::min<std::uintmax_t>(size, kLargestSizeCounted));
+  constexpr std::int64_t kBlock = 512;
+  struct stat status {};
+  return ::stat(path, &status) == 0 ? status.st_blocks * kBlock : 0;
 }
 
 int countSteps(void* stepsLeft) {
@@ -123,6 +119,10 @@ int openGuarded(const std::string& path, sqlite3*& connection) {
   for (const auto& [limit, value] : kLimits) {
     sqlite3_limit(connection, limit, value);
   }
+  // A few bytes of schema can compute a value of a gigabyte.
+  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH,
+                static_cast<int>(std::clamp<std::int64_t>(sizeOf(plain.c_str()), kLongestValue,
+                                                          std::numeric_limits<int>::max())));
   // Deliberate: no virtual table. Browsers keep none of these stores in one, and their code would
   // run on data that was made to mislead it.
   sqlite3_drop_modules(connection, nullptr);
@@ -133,7 +133,7 @@ int openGuarded(const std::string& path, sqlite3*& connection) {
 std::int64_t allowanceFor(sqlite3* connection) {
   const char* path = sqlite3_db_filename(connection, "main");
   const std::int64_t size = sizeOf(path) + sizeOf(sqlite3_filename_wal(path));
-  return kAllowanceForAnyFile + kAllowancePerByte * std::min(size, kLargestSizeCounted);
+  return kAllowanceForAnyFile + kAllowancePerByte * size;
 }
 
 void limitSteps(sqlite3* connection, std::int64_t& stepsLeft) {

@@ -62,7 +62,7 @@ std::int64_t WorkerAppDelegate::removeSilverlight(const KeepList& keepList) {
       }
       // Deliberate: after every store, and everything of the plug-in goes, other folders with kept
       // stores included.
-      if (FileManager::contentsOfDirectoryAtPath(stores).empty()) {
+      if (FileManager::listsAsEmpty(stores)) {
         dispose(plugIn, secure);
       }
     });

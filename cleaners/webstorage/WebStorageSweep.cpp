@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
-#include <string_view>
+#include <variant>
 #include <vector>
 
 #include "app/Browsers.h"
@@ -35,15 +35,6 @@ bool openIfThere(Sqlite& database, const std::string& path) {
   return FileManager::fileExistsAtPath(path) && database.open(path);
 }
 
-/// Appends the texts under `column` that `sql` answers; other values are passed over.
-void appendTexts(Sqlite& database, const char* sql, std::string_view column, Names& texts) {
-  for (const Row& row : database.executeQuery(sql).value_or(RowList{})) {
-    if (const std::string* text = row.text(column)) {
-      texts.push_back(*text);
-    }
-  }
-}
-
 std::string withoutExtension(const std::string& name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
@@ -65,7 +56,14 @@ std::int64_t countOf(const Names& chosen) {
 
 Names chosenOrigins(const Sweep& sweep, Sqlite& index) {
   Names origins;
-  appendTexts(index, "SELECT origin FROM Databases;", "origin", origins);
+  for (const Row& row : index.executeQuery("SELECT origin FROM Databases;").value_or(RowList{})) {
+    // Every value of the row: how the column is called is up to the schema. No text is no origin.
+    for (const Value& value : row.values()) {
+      if (const auto* origin = std::get_if<std::string>(&value)) {
+        origins.push_back(*origin);
+      }
+    }
+  }
   return WorkerAppDelegate::databaseArray_keep(origins, sweep.keepList);
 }
 
@@ -124,7 +122,8 @@ void pruneTracker(const std::string& folder) {
     return;
   }
   Names left = FileManager::contentsOfDirectoryAtPath(folder);
-  // A listing without the tracker itself is none: the folder could not be read just now.
+  // Deliberate: a listing without the tracker itself is none. The folder could not be read just
+  // now, and no row goes for that.
   if (std::ranges::find(left, kTracker) == left.end()) {
     return;
   }
@@ -140,7 +139,11 @@ std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& sco
   if (!openIfThere(store, path)) {
     return 0;
   }
-  appendTexts(store, "SELECT * FROM webappsstore2;", "scope", scopes);
+  for (const Row& row : store.executeQuery("SELECT * FROM webappsstore2;").value_or(RowList{})) {
+    if (const std::string* scope = row.text("scope")) {
+      scopes.push_back(*scope);
+    }
+  }
   const Names chosen = WorkerAppDelegate::mozillaLocalStorage_keep(scopes, sweep.keepList);
   executeListStatement(store, kDeleteScopes, chosen);
   return countOf(chosen);

@@ -31,7 +31,7 @@ std::unique_ptr<UserNotificationCenter> makeDesktopNotifications();
 
 /// Runs the application over the home folder `$HOME`: makes the delegate, wakes it and launches
 /// it. Answers the exit status of a run that did not terminate by itself: `kHardErrorStatus` after
-/// a `HardError`, else 0.
+/// a `HardError` or any other exception, else 0.
 int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate);
 
 }  // namespace tasselby

@@ -63,7 +63,7 @@ std::optional<bool> PropertyList::boolForKey(const std::string& key) const {
   if (plist_get_node_type(root_.get()) != PLIST_DICT) {
     return std::nullopt;
   }
-  const plist_t value = plist_dict_get_item(root_.get(), key.c_str());
+  auto* value = plist_dict_get_item(root_.get(), key.c_str());
   return value == nullptr ? std::nullopt : std::optional(boolOfNode(value));
 }
 

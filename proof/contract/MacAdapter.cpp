@@ -2,8 +2,8 @@
 
 #include "platform/macos/MacPlatform.h"
 #include "platform/offline/OfflinePlatform.h"
-#include "samples/ScratchHome.h"
 #include "proof/contract/Adapter.h"
+#include "samples/ScratchHome.h"
 
 namespace tasselby {
 namespace {

@@ -64,14 +64,16 @@ TEST(Text, JoinsWithOneSlashAndNeverStartsAnew) {
   EXPECT_EQ(join("/a/", "/b"), "/a/b");
   EXPECT_EQ(join("/", "b"), "/b");
   EXPECT_EQ(join("/a/", ""), "/a/");
+  EXPECT_EQ(join("/a", "link/"), "/a/link");
 }
 
 TEST(Text, TellsNamesThatLeadOut) {
   for (const char* name : {"", "a", "/a", "a/b", "...", "..a", "a.."}) {
     EXPECT_TRUE(staysBelow(name)) << name;
   }
-  for (const std::string& name : {std::string(".."), std::string("../a"), std::string("a/.."),
-                                  std::string("a/../b"), std::string("a\0b", 3)}) {
+  for (const std::string& name :
+       {std::string(".."), std::string("../a"), std::string("."), std::string("a/.."),
+        std::string("a/../b"), std::string("a\0b", 3)}) {
     EXPECT_FALSE(staysBelow(name)) << name;
   }
 }
