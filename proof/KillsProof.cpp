@@ -33,7 +33,10 @@ class Kills : public Trial {
     EXPECT_EQ(run({browser}).status, expected) << label;
     expectKept(browser, label + ", second run");
     if (expected == 0) {
-      expectFinished(browser, label + ", second run", "Silverlight");
+      // Neither does a later run find folders whose rows went first, as Chromium's do, or a journal
+      // whose file went first: that order is the rule too.
+      expectFinished(browser, label + ", second run",
+                     {"Silverlight", browser + " web databases", browser + " local storage"});
     }
   }
 

@@ -51,9 +51,9 @@ class Trial : public ::testing::Test {
                   const std::string& exceptStore = "") const;
   void expectSound(const std::string& label) const;
 
-  /// Expects that nothing is left of what a run for `browser` removes, `exceptStore` aside.
+  /// Expects that nothing is left of what a run for `browser` removes, `exceptStores` aside.
   void expectFinished(const std::string& browser, const std::string& label,
-                      const std::string& exceptStore) const;
+                      const std::vector<std::string>& exceptStores) const;
 
   /// How many runs each test makes is multiplied by this: PROOF_ROUNDS in the environment, or 1.
   static long rounds();
