@@ -42,6 +42,16 @@ mode_t typeAt(const std::string& path, bool followLinks) {
   return status.st_mode & S_IFMT;
 }
 
+/// Whether unlink fails on a folder. On Linux it always does; elsewhere a superuser's may tear the
+/// folder out of the tree with all that is in it.
+bool unlinkSparesFolders() {
+#ifdef __linux__
+  return true;
+#else
+  return ::geteuid() != 0;
+#endif
+}
+
 std::optional<std::string> readAll(int descriptor, std::size_t limit) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
@@ -161,7 +171,14 @@ void FileManager::removeItemAtPath(const std::string& path) {
   if (path.ends_with('/')) {
     return removeItemAtPath(path.substr(0, path.size() - 1));
   }
-  // A superuser's unlink can take a whole folder on some systems, so the type is read first.
+  if (hasNul(path)) {
+    return;
+  }
+  // Most of what goes is a file, and reading the type first costs a fifth more.
+  if (unlinkSparesFolders() &&
+      (::unlink(path.c_str()) == 0 || (errno != EISDIR && errno != EPERM))) {
+    return;
+  }
   const mode_t type = typeAt(path, false);
   if (type == S_IFDIR) {
     std::error_code ignored;

@@ -43,6 +43,10 @@ Decoded decodeFront(std::string_view text) {
 }
 
 void append(std::string& text, std::int32_t character) {
+  if (character < 0x80) {
+    text += static_cast<char>(character);
+    return;
+  }
   if (character >= kRawByte) {
     text += static_cast<char>(character - kRawByte);
     return;
