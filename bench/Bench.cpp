@@ -3,15 +3,34 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tasselby {
 namespace {
+
+constexpr auto kTurn = std::chrono::milliseconds(20);
+
+/// Starts `command` with `home` as all of its environment.
+pid_t start(const std::vector<std::string>& command, const std::string& home) {
+  std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
+  for (const std::string& argument : command) {
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  }
+  arguments.push_back(nullptr);
+  std::string variable = "HOME=" + home;
+  const std::array<char*, 2> environment = {variable.data(), nullptr};
+  pid_t child = 0;
+  ::posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environment.data());
+  return child;
+}
 
 double secondsIn(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
@@ -41,25 +60,49 @@ double leastRatio(int rounds, const std::function<void()>& prepare,
 }
 
 Usage usageOf(const std::vector<std::string>& command, const std::string& home) {
-  std::vector<char*> arguments;
-  arguments.reserve(command.size() + 1);
-  for (const std::string& argument : command) {
-    arguments.push_back(const_cast<char*>(argument.c_str()));
-  }
-  arguments.push_back(nullptr);
   Usage usage;
   usage.elapsed = secondsOf([&] {
-    std::string variable = "HOME=" + home;
-    const std::array<char*, 2> environment = {variable.data(), nullptr};
-    pid_t child = 0;
-    int status =
-        ::posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environment.data());
+    const pid_t child = start(command, home);
+    int status = 0;
     rusage used{};
     ::wait4(child, &status, 0, &used);
     usage.processor = secondsIn(used.ru_utime) + secondsIn(used.ru_stime);
     usage.memory = static_cast<double>(used.ru_maxrss) * 1024;
   });
   return usage;
+}
+
+double ratioInTurns(const std::vector<std::string>& command, const std::string& home,
+                    const std::function<void()>& peer) {
+  std::array<pid_t, 2> children = {start(command, home), ::fork()};
+  if (children[1] == 0) {
+    peer();
+    ::_exit(0);
+  }
+  for (const pid_t child : children) {
+    ::kill(child, SIGSTOP);
+  }
+  std::array<double, 2> seconds{};
+  while (children[0] != 0 || children[1] != 0) {
+    for (std::size_t i = 0; i < children.size(); ++i) {
+      if (children[i] == 0) {
+        continue;
+      }
+      ::kill(children[i], SIGCONT);
+      int status = 0;
+      pid_t ended = 0;
+      seconds[i] += secondsOf([&] {
+        std::this_thread::sleep_for(kTurn);
+        ended = ::waitpid(children[i], &status, WNOHANG);
+      });
+      if (ended == 0) {
+        ::kill(children[i], SIGSTOP);
+      } else {
+        children[i] = 0;
+      }
+    }
+  }
+  return seconds[0] / seconds[1];
 }
 
 Scratch::Scratch() {

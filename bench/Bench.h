@@ -36,6 +36,12 @@ double leastRatio(int rounds, const std::function<void()>& prepare,
 /// Runs `command` with the environment of this process and `home` as its home folder.
 Usage usageOf(const std::vector<std::string>& command, const std::string& home = "/");
 
+/// The elapsed time of `command`, run as by `usageOf`, over that of `peer`, which runs in a process
+/// of its own. The two take turns of some milliseconds, so that a disk that is slow for a while is
+/// slow for both.
+double ratioInTurns(const std::vector<std::string>& command, const std::string& home,
+                    const std::function<void()>& peer);
+
 /// A folder for one benchmark, removed at the end. On the disk the build is on, since a temporary
 /// folder may be in memory.
 class Scratch {
@@ -56,7 +62,7 @@ class Scratch {
 
 std::vector<Comparison> startBenchmarks(const std::string& worker);
 std::vector<Comparison> storageBenchmarks(const std::string& worker);
-std::vector<Comparison> sqliteBenchmarks();
+std::vector<Comparison> sqliteBenchmarks(const std::string& worker);
 std::vector<Comparison> cookieBenchmarks(const std::string& worker);
 std::vector<Comparison> webStorageBenchmarks(const std::string& worker);
 std::vector<Comparison> memoryBenchmarks(const std::string& worker);

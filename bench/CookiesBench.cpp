@@ -31,7 +31,6 @@ constexpr int kFileCookies = 50000;
 
 void makeDatabase(const std::string& path, const std::string& table, const std::string& insert,
                   int rows) {
-  fs::remove(path);
   Sqlite database;
   database.open(path);
   database.executeQuery(table);
@@ -63,27 +62,22 @@ Comparison firefoxRows(const std::string& worker) {
   const Scratch scratch;
   const std::string path = scratch.path(
       "Users/anna/Library/Application Support/Firefox/Profiles/p.default/cookies.sqlite");
+  const std::string peerPath = scratch.path("cookies.sqlite");
   std::vector<std::string> statements;
   for (int i = 1; i <= kFirefoxRows; ++i) {
     const std::string id = std::to_string(i);
     statements.push_back("DELETE FROM moz_cookies WHERE host = 'www.site" + id +
                          ".example' AND id = '" + id + "';");
   }
-  const double ratio = leastRatio(
-      1,
-      [&path] {
-        makeDatabase(
-            path,
-            "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, name TEXT, value TEXT, host "
-            "TEXT, path TEXT, expiry INTEGER);",
-            "INSERT INTO moz_cookies SELECT i, 'session', 'a value of ordinary length', "
-            "'www.site' || i || '.example', '/', 2000000000 FROM n;",
-            kFirefoxRows);
-      },
-      [&] {
-        usageOf({worker, "Firefox"}, scratch.path("Users/anna"));
-      },
-      [&] { runStatements(path, statements, false); });
+  makeDatabase(path,
+               "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, name TEXT, value TEXT, host "
+               "TEXT, path TEXT, expiry INTEGER);",
+               "INSERT INTO moz_cookies SELECT i, 'session', 'a value of ordinary length', "
+               "'www.site' || i || '.example', '/', 2000000000 FROM n;",
+               kFirefoxRows);
+  fs::copy_file(path, peerPath);
+  const double ratio = ratioInTurns({worker, "Firefox"}, scratch.path("Users/anna"),
+                                    [&] { runStatements(peerPath, statements, false); });
   return {"run that deletes 20,000 Firefox cookies", "the statements alone", ratio, 1.05};
 }
 
@@ -91,26 +85,22 @@ Comparison chromiumRows(const std::string& worker) {
   const Scratch scratch;
   const std::string path =
       scratch.path("Users/anna/Library/Application Support/com.operasoftware.Opera/Cookies");
+  const std::string peerPath = scratch.path("Cookies");
   std::vector<std::string> statements;
   for (int i = 1; i <= kChromiumRows; ++i) {
     const std::string id = std::to_string(i);
     statements.push_back("DELETE FROM cookies WHERE host_key = 'www.site" + id +
                          ".example' AND creation_utc = '" + id + "';");
   }
-  const double ratio = leastRatio(
-      2,
-      [&path] {
-        makeDatabase(path,
-                     "CREATE TABLE cookies (creation_utc INTEGER PRIMARY KEY, host_key TEXT, name "
-                     "TEXT, value TEXT, path TEXT);",
-                     "INSERT INTO cookies SELECT i, 'www.site' || i || '.example', 'session', 'a "
-                     "value of ordinary length', '/' FROM n;",
-                     kChromiumRows);
-      },
-      [&] {
-        usageOf({worker, "Opera"}, scratch.path("Users/anna"));
-      },
-      [&] { runStatements(path, statements, true); });
+  makeDatabase(path,
+               "CREATE TABLE cookies (creation_utc INTEGER PRIMARY KEY, host_key TEXT, name TEXT, "
+               "value TEXT, path TEXT);",
+               "INSERT INTO cookies SELECT i, 'www.site' || i || '.example', 'session', 'a value "
+               "of ordinary length', '/' FROM n;",
+               kChromiumRows);
+  fs::copy_file(path, peerPath);
+  const double ratio = ratioInTurns({worker, "Opera"}, scratch.path("Users/anna"),
+                                    [&] { runStatements(peerPath, statements, true); });
   return {"run that deletes 5,000 Opera cookies", "open, statement, close", ratio, 1.1};
 }
 

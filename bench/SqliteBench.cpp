@@ -49,7 +49,7 @@ std::size_t weightOfValues(const RowList& rows) {
 
 }  // namespace
 
-std::vector<Comparison> sqliteBenchmarks() {
+std::vector<Comparison> sqliteBenchmarks(const std::string& /*worker*/) {
   const Scratch scratch;
   Sqlite store;
   store.open(scratch.path("cookies.sqlite"));

@@ -1,16 +1,26 @@
 // Prints one table: what the worker costs against another program doing the same work.
 //
-//   worker-bench WORKER
+//   worker-bench WORKER [ROOM ...]
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
 
 #include "bench/Bench.h"
 
+namespace tasselby {
 namespace {
 
-bool print(const std::vector<tasselby::Comparison>& comparisons) {
+struct Room {
+  const char* name;
+  std::function<std::vector<Comparison>(const std::string& worker)> run;
+};
+
+bool print(const std::vector<Comparison>& comparisons) {
   bool allHold = true;
-  for (const tasselby::Comparison& line : comparisons) {
+  for (const Comparison& line : comparisons) {
     const bool holds = line.ratio <= line.bar;
     allHold = allHold && holds;
     std::printf("%-52s %-36s %8.3f %7.3g  %s\n", line.name.c_str(), line.peer.c_str(), line.ratio,
@@ -20,20 +30,32 @@ bool print(const std::vector<tasselby::Comparison>& comparisons) {
   return allHold;
 }
 
+/// Runs the rooms in `names`, all of them when it is empty. Answers whether every bar held.
+bool runRooms(const std::string& worker, const std::vector<std::string>& names) {
+  const std::vector<Room> rooms = {
+      {"start", startBenchmarks},           {"storage", storageBenchmarks},
+      {"sqlite", sqliteBenchmarks},         {"cookies", cookieBenchmarks},
+      {"webstorage", webStorageBenchmarks}, {"memory", memoryBenchmarks},
+      {"whole", wholeRunBenchmarks}};
+  std::printf("%-52s %-36s %8s %7s\n", "worker", "peer", "ratio", "bar");
+  bool allHold = true;
+  for (const Room& room : rooms) {
+    if (names.empty() || std::ranges::count(names, room.name) != 0) {
+      allHold = print(room.run(worker)) && allHold;
+    }
+  }
+  return allHold;
+}
+
 }  // namespace
+}  // namespace tasselby
 
 int main(int argc, char* argv[]) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: worker-bench WORKER\n");
+  if (argc < 2) {
+    std::fprintf(
+        stderr,
+        "usage: worker-bench WORKER [start|storage|sqlite|cookies|webstorage|memory|whole ...]\n");
     return 2;
   }
-  std::printf("%-52s %-36s %8s %7s\n", "worker", "peer", "ratio", "bar");
-  bool allHold = print(tasselby::startBenchmarks(argv[1]));
-  allHold = print(tasselby::storageBenchmarks(argv[1])) && allHold;
-  allHold = print(tasselby::sqliteBenchmarks()) && allHold;
-  allHold = print(tasselby::cookieBenchmarks(argv[1])) && allHold;
-  allHold = print(tasselby::webStorageBenchmarks(argv[1])) && allHold;
-  allHold = print(tasselby::memoryBenchmarks(argv[1])) && allHold;
-  allHold = print(tasselby::wholeRunBenchmarks(argv[1])) && allHold;
-  return allHold ? 0 : 1;
+  return tasselby::runRooms(argv[1], {argv + 2, argv + argc}) ? 0 : 1;
 }
