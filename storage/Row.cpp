@@ -36,13 +36,21 @@ const std::string* Row::text(std::string_view column) const {
 }
 
 bool Row::operator==(const Row& other) const {
-  return (names_ == other.names_ || *names_ == *other.names_) && values_ == other.values_;
+  if (names_ == other.names_ || *names_ == *other.names_) {
+    return values_ == other.values_;
+  }
+  return names_->size() == other.names_->size() &&
+         std::ranges::all_of(*names_, [this, &other](const std::string& name) {
+           const Value* theirs = other.find(name);
+           return theirs != nullptr && *theirs == *find(name);
+         });
 }
 
 std::size_t Row::hash() const {
   std::size_t hash = values_.size();
   for (const Value& value : values_) {
-    hash = hash * 31 + hashOf(value);
+    // The order of the columns does not matter.
+    hash += hashOf(value);
   }
   return hash;
 }

@@ -25,8 +25,8 @@ using Value = std::variant<Null, std::string, double, Bytes>;
 /// The names of a result's columns, each once, shared by all its rows.
 using ColumnNames = std::shared_ptr<const std::vector<std::string>>;
 
-/// One result row: values by column name. Two rows are equal when they have the same columns in the
-/// same order with equal values.
+/// One result row: values by column name. Two rows are equal when they have the same columns, in
+/// whatever order, with equal values.
 class Row {
  public:
   /// `values` stand in the order of `names`, one for each.
