@@ -47,9 +47,12 @@ using Arguments = std::vector<Argument>;
 /// Of an SQL text only the first statement is run, and only what stands before the first NUL.
 class Sqlite {
  public:
+  /// Ends a statement and frees what it holds.
   struct Finalize {
     void operator()(sqlite3_stmt* statement) const;
   };
+
+  /// A prepared statement; empty when there is none. It ends before its connection closes.
   using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
   /// No connection, and a busyRetryTimeout of 1.

@@ -12,6 +12,7 @@ struct CookieStore {
   const char* fileName;
   /// Answers all rows.
   const char* select;
+  /// The column with the host a cookie belongs to.
   const char* hostColumn;
   /// The column that with the host tells a row from the others of its database.
   const char* identifyingColumn;

@@ -29,6 +29,7 @@ struct BinaryCookie {
   std::string_view domain;
 };
 
+/// What a cookie file holds.
 struct BinaryCookies {
   /// Every sound record, in the order of the file.
   std::vector<BinaryCookie> cookies;
