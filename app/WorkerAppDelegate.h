@@ -74,8 +74,10 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
   /// system has a notification centre.
   void displayNotificationWithTitle_andText(const std::string& title, const std::string& text);
 
+  /// Takes the notification that was clicked off the list.
   void userNotificationCenter_didActivateNotification(
       UserNotificationCenter& center, const UserNotification& notification) override;
+  /// True: it is shown even when this process is in front.
   bool userNotificationCenter_shouldPresentNotification(
       UserNotificationCenter& center, const UserNotification& notification) override;
 
@@ -118,8 +120,8 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
 
   // Web storage (cleaners/webstorage/)
 
-  /// Removes `browser`'s web databases and local storage of sites not in `keepList`. Answers how
-  /// many databases, files and rows were chosen.
+  /// Removes `browser`'s web databases, those of kept sites too, and its local storage of sites not
+  /// in `keepList`. Answers how many databases, files and rows were chosen.
   std::int64_t removeNonFavLocalStorage_keep(const std::string& browser, const KeepList& keepList);
 
   /// The members of a list that have to go, in their order, duplicates included: of origin
@@ -133,8 +135,9 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
 
   // Plug-ins (cleaners/plugins/)
 
-  /// Disposes of the Flash objects and settings of hosts not in `keepList`: the system player's,
-  /// and for `browser` with profiles its own player's. Answers how many hosts were chosen.
+  /// Chooses the hosts not in `keepList` among the shared player's Flash objects and settings, and
+  /// disposes of settings by host alone; for `browser` with a player of its own, of that player's
+  /// objects and settings too. Answers how many hosts were chosen.
   std::int64_t removeFlash_keep(const std::string& browser, const KeepList& keepList);
 
   /// The part of `removeFlash_keep` for the player inside Google Chrome and Chromium. No value for
@@ -158,7 +161,8 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
   /// Disposes of the caches of a Chromium-like `browser`.
   void clearChromeCache(const std::string& browser);
 
-  /// Disposes of the caches that Safari's web processes keep in the per-user temporary folders.
+  /// Disposes of the caches that Safari's web processes keep in the per-user temporary folders,
+  /// and of every "MediaCache" beside them.
   void clearExtraCache();
 
   /// Disposes of the system's cookie and HSTS property lists.

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -17,7 +18,7 @@ namespace {
 
 constexpr auto kTurn = std::chrono::milliseconds(20);
 
-/// Starts `command` with `home` as all of its environment.
+/// Starts `command` with HOME, which is `home`, as all of its environment. Answers 0 on failure.
 pid_t start(const std::vector<std::string>& command, const std::string& home) {
   std::vector<char*> arguments;
   arguments.reserve(command.size() + 1);
@@ -28,8 +29,9 @@ pid_t start(const std::vector<std::string>& command, const std::string& home) {
   std::string variable = "HOME=" + home;
   const std::array<char*, 2> environment = {variable.data(), nullptr};
   pid_t child = 0;
-  ::posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environment.data());
-  return child;
+  const int error =
+      ::posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environment.data());
+  return error == 0 ? child : 0;
 }
 
 double secondsIn(const timeval& time) {
@@ -78,6 +80,9 @@ double ratioInTurns(const std::vector<std::string>& command, const std::string& 
   if (children[1] == 0) {
     peer();
     ::_exit(0);
+  }
+  if (children[0] <= 0 || children[1] < 0) {
+    return std::numeric_limits<double>::infinity();
   }
   for (const pid_t child : children) {
     ::kill(child, SIGSTOP);

@@ -28,12 +28,12 @@ struct Usage {
 /// The seconds that `work` takes.
 double secondsOf(const std::function<void()>& work);
 
-/// The least of `rounds` ratios of times, ours before the peer's in each round. `prepare` runs
-/// before every measurement and is not measured.
+/// The least of `rounds` times of ours over the least of the peer's, ours first in each round.
+/// `prepare` runs before every measurement and is not measured.
 double leastRatio(int rounds, const std::function<void()>& prepare,
                   const std::function<void()>& ours, const std::function<void()>& peer);
 
-/// Runs `command` with the environment of this process and `home` as its home folder.
+/// Runs `command` with HOME, which is `home`, as all of its environment.
 Usage usageOf(const std::vector<std::string>& command, const std::string& home = "/");
 
 /// The elapsed time of `command`, run as by `usageOf`, over that of `peer`, which runs in a process

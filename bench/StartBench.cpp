@@ -1,7 +1,5 @@
 // What starting costs, against the smallest program there is.
 
-#include <filesystem>
-
 #include "bench/Bench.h"
 
 namespace tasselby {

@@ -138,6 +138,9 @@ bool FileManager::listsAsEmpty(const std::string& path) {
 
 bool FileManager::enumerateDeep(const std::string& path,
                                 const std::function<bool(const std::string&)>& visit) {
+  if (hasNul(path)) {
+    return true;
+  }
   std::error_code error;
   std::filesystem::recursive_directory_iterator item(path, error);
   const std::filesystem::recursive_directory_iterator end;

@@ -42,8 +42,9 @@ class FileManager {
   static bool listsAsEmpty(const std::string& path);
 
   /// Calls `visit` with the path of each item below the folder at `path`, at every depth and
-  /// hidden ones included, until it answers false or the first error. Links to folders inside are
-  /// visited and not entered. Answers whether no visit answered false.
+  /// hidden ones included, until it answers false or the first error. A link
+  /// at `path` is followed; links to folders inside are visited and not entered. Answers whether no
+  /// visit answered false.
   static bool enumerateDeep(const std::string& path,
                             const std::function<bool(const std::string&)>& visit);
 

@@ -17,12 +17,14 @@ struct KeychainQuery {
   /// How many of the items that match are answered: the first, or every one.
   enum class MatchLimit { kOne, kAll };
 
+  /// The kind of item looked for.
   ItemClass itemClass = ItemClass::kInternetPassword;
   /// What the item's attribute has to be; any will do when there is no value.
   std::optional<std::string> service;
   std::optional<std::string> account;
   /// Whether the answer has items at all, or only a status.
   bool returnAttributes = false;
+  /// How many are answered.
   MatchLimit matchLimit = MatchLimit::kOne;
 
   bool operator==(const KeychainQuery&) const = default;

@@ -16,8 +16,7 @@ inline constexpr const char* kCreationDateCode = "cdat";
 /// A text for the user that tells what the item is.
 inline constexpr const char* kDescriptionCode = "desc";
 
-/// The name that the user sees. Deliberate: the same attribute by two names, since the system shows
-/// the label as the name of the item.
+/// The name that the user sees, by two names: the system shows the label as the item's name.
 inline constexpr const char* kLabelCode = "labl";
 inline constexpr const char* kItemNameCode = "labl";
 

@@ -12,8 +12,7 @@
 
 namespace tasselby {
 
-/// Everything the operating system gives the worker. Only references: a test copies one and
-/// replaces a single member.
+/// Everything the operating system gives the worker, by reference: a copy names the same things.
 struct Platform {
   Application& application;
   UserDefaults& userDefaults;

@@ -22,7 +22,7 @@ class DesktopNotificationsTest : public ::testing::Test {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.c_str(), 1);
     UserNotification notification;
     notification.title = "Title";
-    notification.subtitle = "Report";
+    notification.subtitle = "3 < 4 & more";
     makeDesktopNotifications()->scheduleNotification(notification);
   }
 };
@@ -37,7 +37,7 @@ TEST_F(DesktopNotificationsTest, TellsTheServiceTheReport) {
   ASSERT_EQ(received.size(), 100U);
   EXPECT_EQ(received[0].application, "Tasselby");
   EXPECT_EQ(received[0].summary, "Title");
-  EXPECT_EQ(received[0].body, "Report");
+  EXPECT_EQ(received[0].body, "3 < 4 & more");
   EXPECT_TRUE(received[0].actions.empty());
   EXPECT_TRUE(received[0].isSilent);
 }

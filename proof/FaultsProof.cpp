@@ -10,9 +10,6 @@
 namespace tasselby {
 namespace {
 
-const std::vector<std::string> kBrowsers = {"Safari", "Google Chrome", "Chromium",
-                                            "Camino", "Firefox",       "Opera"};
-
 const std::vector<std::string> kCalls = {"open",     "openat",     "read",   "write",
                                          "fsync",    "ftruncate",  "rename", "unlink",
                                          "unlinkat", "getdents64", "fstat"};

@@ -2,13 +2,10 @@
 
 #include <gtest/gtest.h>
 #include <map>
-#include <memory>
 #include <numeric>
 #include <sqlite3.h>
 #include <string>
 #include <sys/stat.h>
-#include <thread>
-#include <vector>
 
 #include "tests/support/DatabaseTest.h"
 

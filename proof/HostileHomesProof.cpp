@@ -17,8 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::vector<std::string> kBrowsers = {"Safari", "Google Chrome", "Chromium",
-                                            "Camino", "Firefox",       "Opera"};
 const std::string kSupport = "Library/Application Support/";
 const std::string kLocalState = R"({"profile": {"info_cache": {"Default": {"name": "a"},
     "..": {"name": "b"}, "../..": {"name": "c"}, "/": {"name": "d"}, "a/../..": {"name": "e"}}}})";

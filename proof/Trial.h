@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,11 +15,15 @@ namespace tasselby {
 struct Disturbance {
   /// The library that is preloaded.
   std::string preload;
+  /// The calls' names, each with a "," behind it.
   std::string calls;
   /// The error number; 0 kills.
   int error = 0;
+  /// Of the calls that count, every which one; with `once` the one at that place alone.
   long every = 1;
   bool once = false;
+  /// Calls count from the first on a path with one of these in it, each with a "," behind it;
+  /// empty: from the start.
   std::string from = {};
 };
 
@@ -35,7 +38,10 @@ class Trial : public ::testing::Test {
   /// Makes the home anew, as it was before any run.
   void reset();
 
+  /// The home under trial.
   MacHome& home() { return *home_; }
+
+  /// The full path of `name` beside it.
   std::string scratch(const std::string& name) const { return (folder_ / name).native(); }
 
   /// Runs the worker over the home, disturbed or not.

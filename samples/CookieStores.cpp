@@ -11,7 +11,7 @@ struct Cookie {
   bool gone;
 };
 
-constexpr const char* kChromiumOfTheEra =
+constexpr const char* kOlderChromium =
     "CREATE TABLE cookies (creation_utc INTEGER NOT NULL UNIQUE PRIMARY KEY, host_key TEXT NOT "
     "NULL, name TEXT NOT NULL, value TEXT NOT NULL, path TEXT NOT NULL, expires_utc INTEGER NOT "
     "NULL, secure INTEGER NOT NULL, httponly INTEGER NOT NULL, last_access_utc INTEGER NOT NULL, "
@@ -29,7 +29,7 @@ constexpr const char* kChromiumOfToday =
     "NOT NULL DEFAULT 0, source_type INTEGER NOT NULL DEFAULT 0, has_cross_site_ancestor INTEGER "
     "NOT NULL DEFAULT 0);";
 
-constexpr const char* kMozillaOfTheEra =
+constexpr const char* kOlderMozilla =
     "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, baseDomain TEXT, appId INTEGER DEFAULT 0, "
     "inBrowserElement INTEGER DEFAULT 0, name TEXT, value TEXT, host TEXT, path TEXT, expiry "
     "INTEGER, lastAccessed INTEGER, creationTime INTEGER, isSecure INTEGER, isHttpOnly INTEGER, "
@@ -58,7 +58,7 @@ std::vector<Cookie> cookiesOf(const MacHome& home) {
 
 void addChromiumCookies(MacHome& home, const std::string& browser, const std::string& folder,
                         bool today, int first) {
-  std::vector<std::string> sql = {today ? kChromiumOfToday : kChromiumOfTheEra};
+  std::vector<std::string> sql = {today ? kChromiumOfToday : kOlderChromium};
   const std::string path = folder + "/Cookies";
   int number = first;
   for (const Cookie& cookie : cookiesOf(home)) {
@@ -103,7 +103,7 @@ void addMozillaCookies(MacHome& home, const std::string& browser, const std::str
   if (today) {
     sql = {"PRAGMA page_size = 32768;", "PRAGMA journal_mode = WAL;"};
   }
-  sql.emplace_back(today ? kMozillaOfToday : kMozillaOfTheEra);
+  sql.emplace_back(today ? kMozillaOfToday : kOlderMozilla);
   const std::string path = folder + "/cookies.sqlite";
   int number = first;
   for (const Cookie& cookie : cookiesOf(home)) {
@@ -134,7 +134,7 @@ void addSafariCookies(MacHome& home) {
 
 void addCookies(MacHome& home) {
   const std::string support = "Library/Application Support/";
-  // Two Google Chrome profiles of today with cookies of their own, two Chromium profiles of the era
+  // Two Google Chrome profiles of today with cookies of their own, two older Chromium profiles
   // with equal rows.
   int first = 1000;
   for (const std::string& profile : kChromiumProfileNames) {

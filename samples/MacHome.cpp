@@ -7,8 +7,10 @@
 #include <set>
 #include <utility>
 
+#include "platform/Text.h"
 #include "platform/offline/OfflinePlatform.h"
 #include "samples/SampleStores.h"
+#include "storage/SqlText.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -172,11 +174,7 @@ std::vector<std::optional<std::string>> MacHome::contents() const {
 }
 
 std::string sqlText(const std::string& text) {
-  std::string literal = "'";
-  for (const char c : text) {
-    literal += c == '\'' ? "''" : std::string(1, c);
-  }
-  return literal + "'";
+  return formatted("'%@'", {doubledQuotes(text)});
 }
 
 }  // namespace tasselby

@@ -53,6 +53,8 @@ pid_t startDaemon(const fs::path& folder, const std::string& address) {
   ::close(ready[1]);
   char byte = 0;
   if (error == 0 && ::read(ready[0], &byte, 1) != 1) {
+    ::kill(daemon, SIGKILL);
+    ::waitpid(daemon, nullptr, 0);
     daemon = 0;
   }
   ::close(ready[0]);

@@ -1,4 +1,3 @@
-#include <algorithm>
 
 #include "samples/SampleStores.h"
 

@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 #include <thread>
 
+#include "platform/FileManager.h"
 #include "storage/SqliteGuard.h"
 
 namespace tasselby {
@@ -238,6 +239,10 @@ bool Sqlite::prepareAndBind(const std::string& sql, const Arguments& arguments,
     bindObject_toColumn_inStatament(arguments[i], static_cast<int>(i) + 1, statement);
   }
   return true;
+}
+
+bool openIfThere(Sqlite& database, const std::string& path) {
+  return FileManager::fileExistsAtPath(path) && database.open(path);
 }
 
 }  // namespace tasselby

@@ -74,10 +74,12 @@ class Sqlite {
   /// and is forgotten.
   void close();
 
-  /// The most recent result code of the connection, in SQLite's numbers.
+  /// The most recent result code of the connection, in SQLite's numbers; that for "out of memory"
+  /// without one.
   std::int64_t errorCode() const;
 
-  /// The most recent error of the connection, in SQLite's English words.
+  /// The most recent error of the connection, in SQLite's English words; the same as above without
+  /// one.
   std::string errorMessage() const;
 
   /// Runs `sql` to its end and answers the rows in the order SQLite delivers them. Of two columns
@@ -95,6 +97,8 @@ class Sqlite {
   /// Takes one step of `sql` and answers whether that completed it: false for a statement with
   /// rows.
   bool executeNonQuery(const std::string& sql);
+
+  /// The same with parameters, as in executeQuery_arguments.
   bool executeNonQuery_arguments(const std::string& sql, const Arguments& arguments);
 
   /// Each answers whether SQLite did so. beginTransaction() locks the file for itself at once.
@@ -103,7 +107,8 @@ class Sqlite {
   bool beginTransaction();
   bool beginDeferredTransaction();
 
-  /// Prepares the first statement of `sql` into `statement`; that is empty after a failure.
+  /// Prepares the first statement of `sql` into `statement`, which is empty after a failure and for
+  /// a text without a statement. Answers whether that succeeded.
   bool prepareSql_inStatament(const std::string& sql, Statement& statement);
 
   /// Takes one step and answers whether it completed the statement.
@@ -141,7 +146,8 @@ class Sqlite {
   /// The connection, owned by this object; null when there is none.
   sqlite3* _db() const { return db_; }
 
-  /// Takes ownership of `connection`, and gives up the one held before without closing it.
+  /// Takes ownership of `connection`, and gives up the one held before without closing it. It is
+  /// used as it is: the bounds that open() sets do not hold for it.
   void set_db(sqlite3* connection);
 
  private:
@@ -155,5 +161,9 @@ class Sqlite {
   std::int64_t allowance_ = 0;
   std::int64_t stepsLeft_ = 0;
 };
+
+/// Opens `path` with `database` if something is there, and answers whether that succeeded. Creates
+/// no file.
+bool openIfThere(Sqlite& database, const std::string& path);
 
 }  // namespace tasselby

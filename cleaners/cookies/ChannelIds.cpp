@@ -20,7 +20,7 @@ void WorkerAppDelegate::deleteChromeChannelID_keep(const std::string& browser,
   for (const std::string& folder : profileFolders(browser)) {
     const std::string path = join(join(data, folder), "Origin Bound Certs");
     Sqlite database;
-    if (FileManager::fileExistsAtPath(path) && database.open(path)) {
+    if (openIfThere(database, path)) {
       // Deliberate: only an origin that is a kept site to the letter stays, and with nothing kept
       // only the empty one.
       executeListStatement(database, "DELETE FROM origin_bound_certs WHERE origin NOT IN ('%@');",

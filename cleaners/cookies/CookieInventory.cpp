@@ -45,7 +45,7 @@ class Inventory {
   /// Takes in every row of the database at `path`, if it can be read.
   void classifyDatabase(const std::string& path, const CookieStore& store) {
     Sqlite database;
-    if (!FileManager::fileExistsAtPath(path) || !database.open(path)) {
+    if (!openIfThere(database, path)) {
       return;
     }
     for (Row& row : database.executeQuery(store.select).value_or(RowList{})) {

@@ -33,7 +33,7 @@ void deleteRow(Sqlite& database, const CookieStore& store, const CookieRecord& r
 /// another profile with the same host and number goes too.
 void deleteMozillaRows(const std::string& path, const std::vector<CookieRecord>& records) {
   Sqlite database;
-  if (!FileManager::fileExistsAtPath(path) || !database.open(path)) {
+  if (!openIfThere(database, path)) {
     return;
   }
   for (const CookieRecord& record : records) {
@@ -41,11 +41,12 @@ void deleteMozillaRows(const std::string& path, const std::vector<CookieRecord>&
   }
 }
 
-/// Deliberate: every record gets a connection of its own.
+/// Deliberate: every record gets a connection of its own. A lock that another program holds for a
+/// while costs only the records tried in that while.
 void deleteChromiumRows(const std::string& path, const std::vector<CookieRecord>& records) {
   for (const CookieRecord& record : records) {
     Sqlite database;
-    if (FileManager::fileExistsAtPath(path) && database.open(path)) {
+    if (openIfThere(database, path)) {
       deleteRow(database, kChromiumCookies, record);
     }
   }

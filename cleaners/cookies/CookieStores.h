@@ -1,9 +1,5 @@
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
-
 namespace tasselby {
 
 /// How a family of browsers keeps cookies in databases.
@@ -20,10 +16,12 @@ struct CookieStore {
   const char* deleteFormat;
 };
 
+/// What Chromium's kind and Opera have.
 inline constexpr CookieStore kChromiumCookies = {
     "Cookies", "SELECT * FROM cookies;", "host_key", "creation_utc",
     "DELETE FROM cookies WHERE host_key = '%@' AND creation_utc = '%@';"};
 
+/// What Firefox and Camino have.
 inline constexpr CookieStore kMozillaCookies = {
     "cookies.sqlite", "SELECT * FROM moz_cookies;", "host", "id",
     "DELETE FROM moz_cookies WHERE host = '%@' AND id = '%@';"};

@@ -1,7 +1,6 @@
 // Which names in a browser's web storage have to go: each is turned into a site, and stays when the
 // keep list has that site.
 
-#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>

@@ -31,10 +31,6 @@ struct Sweep {
   bool secure;
 };
 
-bool openIfThere(Sqlite& database, const std::string& path) {
-  return FileManager::fileExistsAtPath(path) && database.open(path);
-}
-
 std::string withoutExtension(const std::string& name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);

@@ -3,7 +3,6 @@
 #import <Foundation/Foundation.h>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace tasselby {
 

@@ -1,6 +1,5 @@
 // Preferences from the command line and from property lists in the home folder.
 
-#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>

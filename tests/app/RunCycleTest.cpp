@@ -27,6 +27,10 @@ TEST_F(RunCycleTest, TakesTheFirstArgumentThatIsABrowser) {
     EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated) << refused;
   }
   EXPECT_TRUE(center.scheduled.empty());
+  application = {};
+  application.goesOn = true;
+  worker.applicationDidFinishLaunching();
+  EXPECT_EQ(application.terminations, 3) << "nothing but termination stops a refused start";
 }
 
 TEST_F(RunCycleTest, ReportsInTheSubtitleOnlyWhenAsked) {

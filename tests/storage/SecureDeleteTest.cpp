@@ -42,7 +42,12 @@ TEST(SecureDelete, FailsOnOtherPhasesAndWhatCannotBeOpened) {
   home.file("file", "kept").file("empty", "").socket("socket");
 
   EXPECT_FALSE(SecureDelete::wipe_phase(home.path("file"), 0));
+  const int free = ::dup(0);
+  ::close(free);
   EXPECT_FALSE(SecureDelete::wipe_phase(home.path("file"), 4));
+  const int next = ::dup(0);
+  EXPECT_GT(next, free) << "the file stays open";
+  ::close(next);
   EXPECT_EQ(home.contents("file"), "kept");
   EXPECT_TRUE(SecureDelete::wipe(home.path("empty")));
   EXPECT_FALSE(SecureDelete::wipe(home.path("socket")));

@@ -1,10 +1,7 @@
 #include <gtest/gtest.h>
-#include <map>
 #include <memory>
-#include <numeric>
 #include <sqlite3.h>
 #include <string>
-#include <sys/stat.h>
 #include <thread>
 #include <vector>
 

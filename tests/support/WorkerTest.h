@@ -14,12 +14,20 @@ namespace tasselby {
 /// What the recording application throws where a real one would end the process.
 struct Terminated {};
 
+/// An application whose arguments are `given`, and which ends unless told to go on.
 class RecordingApplication final : public Application {
  public:
   std::vector<std::string> arguments() const override { return given; }
-  void terminate() override { throw Terminated(); }
+  void terminate() override {
+    ++terminations;
+    if (!goesOn) {
+      throw Terminated();
+    }
+  }
 
   std::vector<std::string> given;
+  int terminations = 0;
+  bool goesOn = false;
 };
 
 /// Preferences that are true for the names in `on`.
@@ -32,6 +40,7 @@ class SetDefaults final : public UserDefaults {
   std::set<std::string> on;
 };
 
+/// Every text is its key.
 class KeyBundle final : public Bundle {
  public:
   std::string localizedString(const std::string& key, const std::string&) const override {
@@ -39,6 +48,7 @@ class KeyBundle final : public Bundle {
   }
 };
 
+/// Keeps what it is told.
 class RecordingCenter final : public UserNotificationCenter {
  public:
   void setDelegate(UserNotificationCenterDelegate* to) override { delegate = to; }

@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <csignal>
 #include <random>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <set>
 
 #include "cleaners/cookies/TrackingNames.h"
 #include "platform/HardError.h"

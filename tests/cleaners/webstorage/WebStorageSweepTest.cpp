@@ -1,5 +1,4 @@
 #include <string>
-#include <vector>
 
 #include "storage/Sqlite.h"
 #include "tests/support/WorkerTest.h"
