@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "samples/RunWorker.h"
+#include "samples/SampleStores.h"
 #include "samples/ScratchHome.h"
 
 namespace tasselby {
@@ -55,7 +56,7 @@ class HostileHomes : public ::testing::Test {
   }
 
   void runAll(const std::string& label) {
-    for (const std::string& browser : kBrowsers) {
+    for (const std::string& browser : kEveryBrowser) {
       const WorkerRun result =
           runWorker({WORKER_BINARY, browser, "-secureDeleteData", "NO"}, home.home());
       EXPECT_TRUE(result.status == 0 || result.status == 70) << label << " " << result.status;

@@ -55,7 +55,7 @@ class Kills : public Trial {
 TEST_F(Kills, AtWriteCallsLoseNothing) {
   int kills = 0;
   const long step = std::max(1L, 40 / rounds());
-  for (const std::string& browser : kBrowsers) {
+  for (const std::string& browser : kEveryBrowser) {
     for (long call = 1;; call += step) {
       reset();
       const std::string label = browser + " killed at call " + std::to_string(call);
@@ -74,7 +74,7 @@ TEST_F(Kills, AtWriteCallsLoseNothing) {
 
 TEST_F(Kills, AtRandomMomentsLoseNothing) {
   std::mt19937 random(1);
-  for (const std::string& browser : kBrowsers) {
+  for (const std::string& browser : kEveryBrowser) {
     reset();
     const auto whole = static_cast<unsigned>(run({browser}).seconds * 1e6);
     for (long round = 0; round < 3 * rounds(); ++round) {

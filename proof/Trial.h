@@ -8,6 +8,7 @@
 
 #include "samples/MacHome.h"
 #include "samples/RunWorker.h"
+#include "samples/SampleStores.h"
 
 namespace tasselby {
 

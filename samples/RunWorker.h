@@ -5,10 +5,6 @@
 
 namespace tasselby {
 
-/// The browsers of which a run removes cookies: all but "WebKit".
-inline const std::vector<std::string> kBrowsers = {"Safari", "Google Chrome", "Chromium",
-                                                   "Camino", "Firefox",       "Opera"};
-
 /// What a run of the worker's binary came to.
 struct WorkerRun {
   /// The exit status; 128 plus the signal for one that a signal ended.
