@@ -84,6 +84,9 @@ FileManager::FileManager(std::string home) : home_(std::move(home)) {
   volume_ = users == std::string::npos ? "" : home_.substr(0, users);
 }
 
+FileManager::FileManager(std::string home, std::string volume)
+    : home_(std::move(home)), volume_(std::move(volume)) {}
+
 std::string FileManager::expandTilde(const std::string& path) const {
   if (path != "~" && !path.starts_with("~/")) {
     return path;

@@ -18,6 +18,9 @@ class FileManager {
   /// in `home`, else the root. An empty `home` is none: paths below it name nothing.
   explicit FileManager(std::string home);
 
+  /// The same with the volume named; "" for the root.
+  FileManager(std::string home, std::string volume);
+
   /// `path` with a leading "~" or "~/" replaced by the home folder; any other path as it is.
   std::string expandTilde(const std::string& path) const;
 

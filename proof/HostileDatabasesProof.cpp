@@ -7,6 +7,7 @@
 #include <string>
 #include <sys/stat.h>
 
+#include "platform/Text.h"
 #include "tests/support/DatabaseTest.h"
 
 namespace tasselby {
@@ -29,6 +30,12 @@ TEST_F(HostileDatabases, OpensPlainFilesOnly) {
 }
 
 TEST_F(HostileDatabases, ReadsNothingFromWhatIsNoSoundTable) {
+  // Each column doubles the one before: the last would compile to 2^40 instructions.
+  std::string doublings = "c0";
+  for (int i = 1; i <= 40; ++i) {
+    const std::string before = std::to_string(i - 1);
+    doublings += formatted(", c%@ AS (c%@ || c%@)", {std::to_string(i), before, before});
+  }
   const std::map<std::string, std::string> madeBy = {
       {"view", "CREATE VIEW moz_cookies AS SELECT name AS host FROM sqlite_schema"},
       {"endless view", "CREATE VIEW moz_cookies AS " + kEndless + " SELECT * FROM c"},
@@ -37,6 +44,8 @@ TEST_F(HostileDatabases, ReadsNothingFromWhatIsNoSoundTable) {
        "CREATE TABLE moz_cookies (host); PRAGMA writable_schema = ON;"
        "UPDATE sqlite_schema SET sql = 'CREATE TABLE moz_cookies ((('"},
       {"huge", "CREATE TABLE moz_cookies (host)"},
+      {"computed by a function", "CREATE TABLE moz_cookies (x, host AS (length(hex(x))))"},
+      {"computed from one another", "CREATE TABLE moz_cookies (" + doublings + ", host AS (c40))"},
   };
   for (const auto& [name, sql] : madeBy) {
     plainly(home.path(name), sql);

@@ -21,6 +21,12 @@ std::size_t hashOf(const Value& value) {
   return 0;
 }
 
+/// `hash` with every bit spread over all others.
+std::size_t mixed(std::uint64_t hash) {
+  hash = (hash ^ (hash >> 32)) * 0x9E3779B97F4A7C15U;
+  return static_cast<std::size_t>(hash ^ (hash >> 29));
+}
+
 }  // namespace
 
 const Value* Row::find(std::string_view column) const {
@@ -47,10 +53,11 @@ bool Row::operator==(const Row& other) const {
 }
 
 std::size_t Row::hash() const {
+  // A sum, as the order of the columns does not matter. Each value is bound to its column first:
+  // rows that hold the same values in other columns must not all have one hash.
   std::size_t hash = values_.size();
-  for (const Value& value : values_) {
-    // The order of the columns does not matter.
-    hash += hashOf(value);
+  for (std::size_t i = 0; i < values_.size(); ++i) {
+    hash += mixed(hashOf(values_[i]) + mixed(std::hash<std::string>()((*names_)[i])));
   }
   return hash;
 }

@@ -44,10 +44,11 @@ bool fill(Buffer& buffer, std::int32_t phase) {
 /// page it falls in first. What a call wrote in part goes on from the buffer's start.
 void cover(int descriptor, Buffer& buffer, std::uint32_t remaining) {
   std::array<iovec, std::min(IOV_MAX, 1024)> pieces{};
+  auto most = pieces.size();
   while (remaining != 0) {
     std::uint32_t gathered = 0;
     int count = 0;
-    while (gathered != remaining && count != static_cast<int>(pieces.size())) {
+    while (gathered != remaining && count != static_cast<int>(most)) {
       const std::uint32_t length =
           std::min(remaining - gathered, static_cast<std::uint32_t>(buffer.size()));
       pieces.at(static_cast<std::size_t>(count++)) = {buffer.data(), length};
@@ -55,7 +56,10 @@ void cover(int descriptor, Buffer& buffer, std::uint32_t remaining) {
     }
     // Deliberate: a failed write is no error. Its -1 is subtracted like any other result, and the
     // loop ends only when the count is exactly 0.
-    remaining -= static_cast<std::uint32_t>(::writev(descriptor, pieces.data(), count));
+    const ssize_t result = ::writev(descriptor, pieces.data(), count);
+    remaining -= static_cast<std::uint32_t>(result);
+    // Where nothing can be written, gathering would only make the long way to 0 longer.
+    most = result > 0 ? pieces.size() : 1;
   }
 }
 

@@ -5,9 +5,9 @@
 #include <random>
 #include <sqlite3.h>
 #include <thread>
+#include <utility>
 
 #include "platform/FileManager.h"
-#include "storage/SqliteGuard.h"
 
 namespace tasselby {
 namespace {
@@ -78,8 +78,13 @@ bool Sqlite::open(const std::string& path) {
   if (path.find('\0') != std::string::npos || openGuarded(path, db_) != SQLITE_OK) {
     return false;
   }
-  stepsLeft_ = 0;
-  limitSteps(db_, stepsLeft_);
+  // Another connection to the same file goes on from what has been spent on it.
+  if (path != countedPath_) {
+    countedPath_ = path;
+    allowance_ = 0;
+    steps_ = {};
+  }
+  limitSteps(db_, steps_);
   filePath_ = path;
   return true;
 }
@@ -167,12 +172,15 @@ bool Sqlite::prepareSql_inStatament(const std::string& sql, Statement& statement
   if (db_ == nullptr) {
     return false;
   }
-  // The file may have grown since it was opened.
-  allowance_ = allowanceFor(db_);
-  renewSteps();
+  // The file may have grown since the last statement. One on which too much was spent gets no
+  // further chance.
+  const std::int64_t allowance = std::max(allowance_, allowanceFor(db_));
+  const std::int64_t growth = allowance - std::exchange(allowance_, allowance);
+  if (!addSteps(steps_, growth / kBytesPerStep + kStepsPerStatement)) {
+    return false;
+  }
   sqlite3_stmt* prepared = nullptr;
-  const int result =
-      whileBusy([&] { return sqlite3_prepare_v2(db_, sql.c_str(), -1, &prepared, nullptr); });
+  const int result = whileBusy([&] { return prepareGuarded(db_, sql, prepared); });
   statement.reset(prepared);
   return result == SQLITE_OK;
 }
@@ -210,20 +218,13 @@ int Sqlite::whileBusy(const std::function<int()>& call) {
     if (result != SQLITE_BUSY) {
       return result;
     }
-    renewSteps();
+    addSteps(steps_, kStepsPerStatement);
     std::this_thread::sleep_for(kBusyPause);
     // Deliberate: no number of retries that is not negative is ever reached, so zero and above give
     // up after the first pause, and only a negative number goes on, without end.
     if (retries <= busyRetryTimeout_) {
       return result;
     }
-  }
-}
-
-void Sqlite::renewSteps() {
-  // A file on which one statement did not end gets no further chance to spend as much.
-  if (stepsLeft_ >= 0) {
-    stepsLeft_ = allowance_;
   }
 }
 

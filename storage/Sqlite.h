@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "storage/Row.h"
+#include "storage/SqliteGuard.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -41,8 +42,9 @@ using Arguments = std::vector<Argument>;
 /// Nothing here throws or logs: a failure is `false` or no value, and errorCode() and
 /// errorMessage() say why. One thread at a time.
 ///
-/// A file may come from anybody. What its schema says reads and changes that file alone, and a
-/// statement ends within bounds that grow with the file's size.
+/// A file may come from anybody. What its schema says reads and changes that file alone, and what
+/// this object runs on it, over however many connections, ends within bounds that grow with the
+/// file's size.
 ///
 /// Of an SQL text only the first statement is run, and only what stands before the first NUL.
 class Sqlite {
@@ -152,14 +154,15 @@ class Sqlite {
 
  private:
   int whileBusy(const std::function<int()>& call);
-  void renewSteps();
   bool prepareAndBind(const std::string& sql, const Arguments& arguments, Statement& statement);
 
   std::int64_t busyRetryTimeout_ = 1;
   std::string filePath_;
   sqlite3* db_ = nullptr;
+  /// The file on which `steps_` are spent, and what it allows.
+  std::string countedPath_;
   std::int64_t allowance_ = 0;
-  std::int64_t stepsLeft_ = 0;
+  StepLimit steps_;
 };
 
 /// Opens `path` with `database` if something is there, and answers whether that succeeded. Creates

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 #include <filesystem>
 #include <limits>
 #include <sqlite3.h>
@@ -26,6 +27,17 @@ constexpr std::int64_t kAllowancePerByte = 32;
 /// The callback that counts is called once in so many steps.
 constexpr int kStepsBetweenCounts = 1000;
 
+/// What a long step takes at the least, in nanoseconds of processor time: many times the usual.
+constexpr std::int64_t kLongStep = 1000;
+
+/// A statement compiles to a few steps for each column, index and listed name. With columns that
+/// are computed from one another it could be any number, before a step is taken.
+constexpr int kInstructionsForAnyStatement = 1 << 17;
+constexpr std::size_t kInstructionsPerByte = 4;
+
+/// How many arguments a function in a statement may have: SQLite's own bound.
+constexpr int kFunctionArguments = 100;
+
 constexpr auto kSettings = std::to_array<std::pair<int, int>>({
     // No SQL can damage the file's own structure, or write what virtual tables keep in it.
     {SQLITE_DBCONFIG_DEFENSIVE, 1},
@@ -43,6 +55,8 @@ constexpr auto kSettings = std::to_array<std::pair<int, int>>({
 constexpr auto kLimits = std::to_array<std::pair<int, int>>({
     // A statement reaches no second file.
     {SQLITE_LIMIT_ATTACHED, 0},
+    // A schema calls no function.
+    {SQLITE_LIMIT_FUNCTION_ARG, 0},
 });
 
 /// Pages are checked as they are read, for which a sound page passes; and none is mapped, as a
@@ -93,10 +107,30 @@ std::int64_t sizeOf(const char* path) {
   return ::stat(path, &status) == 0 ? status.st_blocks * kBlock : 0;
 }
 
-int countSteps(void* stepsLeft) {
-  auto* left = static_cast<std::int64_t*>(stepsLeft);
-  *left -= kStepsBetweenCounts;
-  return *left < 0 ? 1 : 0;
+std::int64_t processorTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+/// How many long steps fit into the time since the last count.
+std::int64_t longStepsSinceCount(StepLimit& limit) {
+  const std::int64_t now = processorTime();
+  const std::int64_t last = std::exchange(limit.counted, now);
+  return last == 0 ? 0 : (now - last) / kLongStep;
+}
+
+int countSteps(void* context) {
+  auto& limit = *static_cast<StepLimit*>(context);
+  limit.left -= std::max<std::int64_t>(kStepsBetweenCounts, longStepsSinceCount(limit));
+  return limit.left < 0 ? 1 : 0;
+}
+
+/// Whether the file's schema has been read, with no function called in it. A statement that finds
+/// it unread reads it itself.
+bool hasReadSchema(sqlite3* connection) {
+  return sqlite3_table_column_metadata(connection, nullptr, "sqlite_master", nullptr, nullptr,
+                                       nullptr, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 }  // namespace
@@ -130,14 +164,34 @@ int openGuarded(const std::string& path, sqlite3*& connection) {
   return SQLITE_OK;
 }
 
+int prepareGuarded(sqlite3* connection, const std::string& sql, sqlite3_stmt*& statement) {
+  constexpr std::size_t kMost = std::numeric_limits<int>::max();
+  sqlite3_limit(connection, SQLITE_LIMIT_VDBE_OP,
+                static_cast<int>(std::min(
+                    kMost, kInstructionsForAnyStatement + kInstructionsPerByte * sql.size())));
+  // The statement itself may call functions, and is not the file's.
+  const int none = sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, -1);
+  if (hasReadSchema(connection)) {
+    sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, kFunctionArguments);
+  }
+  const int result = sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
+  sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, none);
+  return result;
+}
+
 std::int64_t allowanceFor(sqlite3* connection) {
   const char* path = sqlite3_db_filename(connection, "main");
   const std::int64_t size = sizeOf(path) + sizeOf(sqlite3_filename_wal(path));
   return kAllowanceForAnyFile + kAllowancePerByte * size;
 }
 
-void limitSteps(sqlite3* connection, std::int64_t& stepsLeft) {
-  sqlite3_progress_handler(connection, kStepsBetweenCounts, countSteps, &stepsLeft);
+bool addSteps(StepLimit& limit, std::int64_t steps) {
+  limit.left += steps - longStepsSinceCount(limit);
+  return limit.left >= 0;
+}
+
+void limitSteps(sqlite3* connection, StepLimit& limit) {
+  sqlite3_progress_handler(connection, kStepsBetweenCounts, countSteps, &limit);
 }
 
 void removeStepLimit(sqlite3* connection) {

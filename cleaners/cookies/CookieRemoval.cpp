@@ -44,8 +44,11 @@ void deleteMozillaRows(const std::string& path, const std::vector<CookieRecord>&
 /// Deliberate: every record gets a connection of its own. A lock that another program holds for a
 /// while costs only the records tried in that while.
 void deleteChromiumRows(const std::string& path, const std::vector<CookieRecord>& records) {
+  if (!FileManager::fileExistsAtPath(path)) {
+    return;
+  }
+  Sqlite database;
   for (const CookieRecord& record : records) {
-    Sqlite database;
     if (openIfThere(database, path)) {
       deleteRow(database, kChromiumCookies, record);
     }

@@ -47,7 +47,8 @@ class MacRun {
   std::unique_ptr<Keychain> keychain_ = makeMacKeychain();
   std::unique_ptr<HTTPCookieStorage> cookieStorage_ = makeMacCookieStorage();
   std::unique_ptr<UserNotificationCenter> notificationCenter_ = makeMacNotificationCenter();
-  FileManager files_{macHomeFolder()};
+  // Absolute paths are the running system's, on whatever volume the home folder is.
+  FileManager files_{macHomeFolder(), ""};
   std::unique_ptr<ApplicationDelegate> delegate_;
 };
 
