@@ -27,8 +27,12 @@ constexpr std::int64_t kAllowancePerByte = 32;
 /// The callback that counts is called once in so many steps.
 constexpr int kStepsBetweenCounts = 1000;
 
-/// What a long step takes at the least, in nanoseconds of processor time: many times the usual.
-constexpr std::int64_t kLongStep = 1000;
+/// What a long step takes at the least, in nanoseconds of processor time: several times the usual.
+constexpr std::int64_t kLongStep = 250;
+
+/// What a statement may take besides its steps, in the same unit: many times what writing to the
+/// disk needs.
+constexpr std::int64_t kFreePerStatement = 5'000'000;
 
 /// A statement compiles to a few steps for each column, index and listed name. With columns that
 /// are computed from one another it could be any number, before a step is taken.
@@ -113,16 +117,16 @@ std::int64_t processorTime() {
   return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
 }
 
-/// How many long steps fit into the time since the last count.
-std::int64_t longStepsSinceCount(StepLimit& limit) {
+/// How many long steps fit into the time since the last count, less `free` of it.
+std::int64_t longStepsSinceCount(StepLimit& limit, std::int64_t free) {
   const std::int64_t now = processorTime();
   const std::int64_t last = std::exchange(limit.counted, now);
-  return last == 0 ? 0 : (now - last) / kLongStep;
+  return last == 0 ? 0 : std::max<std::int64_t>(now - last - free, 0) / kLongStep;
 }
 
 int countSteps(void* context) {
   auto& limit = *static_cast<StepLimit*>(context);
-  limit.left -= std::max<std::int64_t>(kStepsBetweenCounts, longStepsSinceCount(limit));
+  limit.left -= std::max<std::int64_t>(kStepsBetweenCounts, longStepsSinceCount(limit, 0));
   return limit.left < 0 ? 1 : 0;
 }
 
@@ -186,7 +190,7 @@ std::int64_t allowanceFor(sqlite3* connection) {
 }
 
 bool addSteps(StepLimit& limit, std::int64_t steps) {
-  limit.left += steps - longStepsSinceCount(limit);
+  limit.left += steps - longStepsSinceCount(limit, kFreePerStatement);
   return limit.left >= 0;
 }
 
