@@ -10,12 +10,15 @@ namespace tasselby {
 struct UserNotification {
   /// Names a notification that the centre handed back; empty in one that was not yet posted.
   std::string identifier;
+  /// Three texts, one below the other; an empty one takes no line.
   std::string title;
   std::string subtitle;
   std::string informativeText;
+  /// Whether there is a button beside the texts.
   bool hasActionButton = true;
   /// No value: silent.
   std::optional<std::string> soundName;
+  /// When it is to be shown.
   std::chrono::system_clock::time_point deliveryDate;
 };
 

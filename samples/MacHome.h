@@ -42,12 +42,14 @@ class MacHome {
   /// Copies the whole volume as it is now to the empty or missing folder `volume`.
   MacHome copyTo(const std::filesystem::path& volume) const;
 
+  /// The full paths of the volume and of the home folder on it.
   std::string volume() const { return volume_.native(); }
   std::string home() const { return path("Users/anna"); }
 
   /// The full path of `path` on the volume.
   std::string path(const std::string& path) const { return (volume_ / path).native(); }
 
+  /// The sites that the stores are of, and what all stores hold.
   const std::vector<SampleSite>& sites() const { return sites_; }
   const std::vector<SampleItem>& items() const { return items_; }
 

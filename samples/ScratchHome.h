@@ -7,6 +7,7 @@
 
 namespace tasselby {
 
+/// File names, or other texts, in an order that counts.
 using Names = std::vector<std::string>;
 
 /// A home folder `.../Users/anna` on a volume of its own in a temporary folder, removed at the end.

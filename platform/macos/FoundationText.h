@@ -17,13 +17,16 @@ NSString* nsString(std::string_view text);
 /// Owns one reference to an object.
 class Retained {
  public:
+  /// Owns nothing.
   Retained() = default;
+
   /// Takes over a reference that the caller owns, as +alloc and functions named "Copy" answer it.
   explicit Retained(id owned) : object_(owned) {}
   Retained(const Retained&) = delete;
   Retained& operator=(const Retained&) = delete;
   ~Retained() { [object_ release]; }
 
+  /// The object; nil when there is none.
   id get() const { return object_; }
 
  private:

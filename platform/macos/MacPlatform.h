@@ -36,8 +36,10 @@ std::string macHomeFolder();
 /// An application's delegate and everything of the system that it uses.
 class MacRun {
  public:
+  /// Makes all of it, the delegate last.
   explicit MacRun(DelegateFactory makeDelegate);
 
+  /// The delegate, owned by this object.
   ApplicationDelegate& delegate() { return *delegate_; }
 
  private:

@@ -25,8 +25,8 @@ std::unique_ptr<Keychain> makeOfflineKeychain(const FileManager& files);
 /// `files` must outlive the answer.
 std::unique_ptr<HTTPCookieStorage> makeOfflineCookieStorage(const FileManager& files);
 
-/// The notification service of the desktop on the session bus. Without a bus or a service nothing
-/// happens, and nothing waits longer than a second.
+/// The notification service of the desktop on the session bus. Without a bus or a service, and
+/// in a build without sd-bus, nothing happens; nothing waits longer than a second.
 std::unique_ptr<UserNotificationCenter> makeDesktopNotifications();
 
 /// Runs the application over the home folder `$HOME`: makes the delegate, wakes it and launches

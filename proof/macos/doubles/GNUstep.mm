@@ -36,7 +36,6 @@ extern "C" int getpwnam_r(const char* name, passwd* entry, char* buffer, size_t 
 @end
 
 /// Read by the sanitizers' runtime. The Objective-C runtime never frees its tables.
-// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the runtime's name
 extern "C" const char* __asan_default_options() {
   return "detect_leaks=0";
 }

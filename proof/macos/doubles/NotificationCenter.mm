@@ -6,7 +6,6 @@
 
 #import <Foundation/Foundation.h>
 
-// NOLINTNEXTLINE(clang-analyzer-osx.cocoa.Dealloc): these live as long as the process
 @implementation NSUserNotification
 @synthesize title, subtitle, informativeText, soundName, deliveryDate, hasActionButton;
 @end

@@ -1,5 +1,6 @@
 // What tells the worker what to do: preferences, saved passwords, lists of profiles.
 
+#include "samples/CookieDatabases.h"
 #include "samples/KeychainWriter.h"
 #include "samples/SampleStores.h"
 
@@ -8,7 +9,8 @@ namespace {
 
 constexpr const char* kPreferences =
     R"(<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN"
+  "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
 <plist version="1.0">
 <dict>
 	<key>displayNotifications</key>
@@ -56,13 +58,9 @@ void addPasswords(const MacHome& home) {
 }
 
 void addProfileLists(const MacHome& home) {
-  std::string profiles;
-  for (const std::string& name : kChromiumProfileNames) {
-    profiles += (profiles.empty() ? "" : ", ") + ("\"" + name + R"(": {"name": "Anna"})");
-  }
-  const std::string localState = R"({"profile": {"info_cache": {)" + profiles + "}}}";
   for (const char* root : {"Google/Chrome", "Chromium"}) {
-    home.writeFile("Library/Application Support/" + std::string(root) + "/Local State", localState);
+    home.writeFile("Library/Application Support/" + std::string(root) + "/Local State",
+                   localState(kChromiumProfileNames));
   }
 }
 
