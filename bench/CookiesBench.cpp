@@ -14,6 +14,7 @@
 #include "app/WorkerAppDelegate.h"
 #include "bench/Bench.h"
 #include "cleaners/cookies/TrackingNames.h"
+#include "platform/Text.h"
 #include "platform/offline/OfflinePlatform.h"
 #include "platform/offline/ReplaceFile.h"
 #include "samples/BinaryCookieWriter.h"
@@ -24,8 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kFirefoxRows = 20000;
-constexpr int kChromiumRows = 5000;
 constexpr int kNames = 1000000;
 constexpr int kFileCookies = 50000;
 
@@ -58,51 +57,55 @@ void runStatements(const std::string& path, const std::vector<std::string>& stat
   sqlite3_close(connection);
 }
 
-Comparison firefoxRows(const std::string& worker) {
+/// A database of cookies in a home, and the statement that deletes the one with the number "%@".
+struct RowsCase {
+  const char* browser;
+  const char* path;
+  const char* table;
+  const char* insert;
+  int rows;
+  const char* deletion;
+  /// Whether each statement gets a connection of its own.
+  bool reopen;
+};
+
+/// A run for the browser against a program that runs only the statements.
+double deletionRatio(const std::string& worker, const RowsCase& rows) {
   const Scratch scratch;
-  const std::string path = scratch.path(
-      "Users/anna/Library/Application Support/Firefox/Profiles/p.default/cookies.sqlite");
-  const std::string peerPath = scratch.path("cookies.sqlite");
-  std::vector<std::string> statements;
-  for (int i = 1; i <= kFirefoxRows; ++i) {
-    const std::string id = std::to_string(i);
-    statements.push_back("DELETE FROM moz_cookies WHERE host = 'www.site" + id +
-                         ".example' AND id = '" + id + "';");
-  }
-  makeDatabase(path,
-               "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, name TEXT, value TEXT, host "
-               "TEXT, path TEXT, expiry INTEGER);",
-               "INSERT INTO moz_cookies SELECT i, 'session', 'a value of ordinary length', "
-               "'www.site' || i || '.example', '/', 2000000000 FROM n;",
-               kFirefoxRows);
+  const std::string path = scratch.path(std::string("Users/anna/") + rows.path);
+  const std::string peerPath = scratch.path("peer.sqlite");
+  makeDatabase(path, rows.table, rows.insert, rows.rows);
   fs::copy_file(path, peerPath);
-  const double ratio = ratioInTurns({worker, "Firefox"}, scratch.path("Users/anna"),
-                                    [&] { runStatements(peerPath, statements, false); });
-  return {"run that deletes 20,000 Firefox cookies", "the statements alone", ratio, 1.05};
+  std::vector<std::string> statements;
+  for (int i = 1; i <= rows.rows; ++i) {
+    const std::string number = std::to_string(i);
+    statements.push_back(formatted(rows.deletion, {number, number}));
+  }
+  return ratioInTurns({worker, rows.browser}, scratch.path("Users/anna"),
+                      [&] { runStatements(peerPath, statements, rows.reopen); });
 }
 
-Comparison chromiumRows(const std::string& worker) {
-  const Scratch scratch;
-  const std::string path =
-      scratch.path("Users/anna/Library/Application Support/com.operasoftware.Opera/Cookies");
-  const std::string peerPath = scratch.path("Cookies");
-  std::vector<std::string> statements;
-  for (int i = 1; i <= kChromiumRows; ++i) {
-    const std::string id = std::to_string(i);
-    statements.push_back("DELETE FROM cookies WHERE host_key = 'www.site" + id +
-                         ".example' AND creation_utc = '" + id + "';");
-  }
-  makeDatabase(path,
-               "CREATE TABLE cookies (creation_utc INTEGER PRIMARY KEY, host_key TEXT, name TEXT, "
-               "value TEXT, path TEXT);",
-               "INSERT INTO cookies SELECT i, 'www.site' || i || '.example', 'session', 'a value "
-               "of ordinary length', '/' FROM n;",
-               kChromiumRows);
-  fs::copy_file(path, peerPath);
-  const double ratio = ratioInTurns({worker, "Opera"}, scratch.path("Users/anna"),
-                                    [&] { runStatements(peerPath, statements, true); });
-  return {"run that deletes 5,000 Opera cookies", "open, statement, close", ratio, 1.1};
-}
+constexpr RowsCase kFirefoxRows = {
+    "Firefox",
+    "Library/Application Support/Firefox/Profiles/p.default/cookies.sqlite",
+    "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, name TEXT, value TEXT, host TEXT, "
+    "path TEXT, expiry INTEGER);",
+    "INSERT INTO moz_cookies SELECT i, 'session', 'a value of ordinary length', "
+    "'www.site' || i || '.example', '/', 2000000000 FROM n;",
+    20000,
+    "DELETE FROM moz_cookies WHERE host = 'www.site%@.example' AND id = '%@';",
+    false};
+
+constexpr RowsCase kOperaRows = {
+    "Opera",
+    "Library/Application Support/com.operasoftware.Opera/Cookies",
+    "CREATE TABLE cookies (creation_utc INTEGER PRIMARY KEY, host_key TEXT, name TEXT, "
+    "value TEXT, path TEXT);",
+    "INSERT INTO cookies SELECT i, 'www.site' || i || '.example', 'session', "
+    "'a value of ordinary length', '/' FROM n;",
+    5000,
+    "DELETE FROM cookies WHERE host_key = 'www.site%@.example' AND creation_utc = '%@';",
+    true};
 
 /// Names as stores have them: mostly ordinary, some with an entry in front.
 std::vector<std::string> makeNames(const std::vector<std::string>& catalogue) {
@@ -167,8 +170,12 @@ Comparison cookieFile() {
 }  // namespace
 
 std::vector<Comparison> cookieBenchmarks(const std::string& worker) {
-  return {classification(WorkerAppDelegate::defaultTrackingCookies()), cookieFile(),
-          chromiumRows(worker), firefoxRows(worker)};
+  return {classification(WorkerAppDelegate::defaultTrackingCookies()),
+          cookieFile(),
+          {"run that deletes 5,000 Opera cookies", "open, statement, close",
+           deletionRatio(worker, kOperaRows), 1.1},
+          {"run that deletes 20,000 Firefox cookies", "the statements alone",
+           deletionRatio(worker, kFirefoxRows), 1.05}};
 }
 
 }  // namespace tasselby

@@ -43,7 +43,6 @@ class Row {
   const std::vector<std::string>& names() const { return *names_; }
   const std::vector<Value>& values() const { return values_; }
 
-  /// Equal by name and value, whatever the order of the columns.
   bool operator==(const Row& other) const;
 
   /// Equal rows have equal hashes.

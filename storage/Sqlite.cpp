@@ -173,7 +173,7 @@ bool Sqlite::prepareSql_inStatament(const std::string& sql, Statement& statement
     return false;
   }
   // The file may have grown since the last statement. One on which too much was spent gets no
-  // further chance.
+  // further statement, until what each may take has made up for it.
   const std::int64_t allowance = std::max(allowance_, allowanceFor(db_));
   const std::int64_t growth = allowance - std::exchange(allowance_, allowance);
   if (!addSteps(steps_, growth / kBytesPerStep + kStepsPerStatement)) {

@@ -40,7 +40,8 @@ using Arguments = std::vector<Argument>;
 /// back rows by column name.
 ///
 /// Nothing here throws or logs: a failure is `false` or no value, and errorCode() and
-/// errorMessage() say why. One thread at a time.
+/// errorMessage() say why; of a statement refused for the bounds below they do not know. One thread
+/// at a time.
 ///
 /// A file may come from anybody. What its schema says reads and changes that file alone, and what
 /// this object runs on it, over however many connections, ends within bounds that grow with the

@@ -39,9 +39,6 @@ constexpr std::int64_t kFreePerStatement = 5'000'000;
 constexpr int kInstructionsForAnyStatement = 1 << 17;
 constexpr std::size_t kInstructionsPerByte = 4;
 
-/// How many arguments a function in a statement may have: SQLite's own bound.
-constexpr int kFunctionArguments = 100;
-
 constexpr auto kSettings = std::to_array<std::pair<int, int>>({
     // No SQL can damage the file's own structure, or write what virtual tables keep in it.
     {SQLITE_DBCONFIG_DEFENSIVE, 1},
@@ -174,13 +171,12 @@ int prepareGuarded(sqlite3* connection, const std::string& sql, sqlite3_stmt*& s
   sqlite3_limit(connection, SQLITE_LIMIT_VDBE_OP,
                 static_cast<int>(std::min(
                     kMost, kInstructionsForAnyStatement + kInstructionsPerByte * sql.size())));
-  // The statement itself may call functions, and is not the file's.
-  const int none = sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, -1);
+  // The statement is not the file's, and may call functions: as many arguments as SQLite takes.
   if (hasReadSchema(connection)) {
-    sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, kFunctionArguments);
+    sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, std::numeric_limits<int>::max());
   }
   const int result = sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
-  sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, none);
+  sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, 0);
   return result;
 }
 

@@ -44,6 +44,7 @@ void deleteMozillaRows(const std::string& path, const std::vector<CookieRecord>&
 /// Deliberate: every record gets a connection of its own. A lock that another program holds for a
 /// while costs only the records tried in that while.
 void deleteChromiumRows(const std::string& path, const std::vector<CookieRecord>& records) {
+  // A list of profiles may be long, and most of it stale: each of those costs one look.
   if (!FileManager::fileExistsAtPath(path)) {
     return;
   }
