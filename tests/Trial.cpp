@@ -1,4 +1,4 @@
-#include "proof/Trial.h"
+#include "tests/Trial.h"
 
 #include <algorithm>
 #include <cstdlib>

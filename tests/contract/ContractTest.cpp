@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 
-#include "proof/contract/Adapter.h"
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
+#include "tests/contract/Adapter.h"
 
 namespace tasselby {
 namespace {

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/Check.h"
 #include "platform/offline/BinaryCookies.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

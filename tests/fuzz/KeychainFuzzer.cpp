@@ -3,8 +3,8 @@
 #include <optional>
 #include <string_view>
 
-#include "fuzz/Check.h"
 #include "platform/offline/KeychainFile.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/Check.h"
 #include "platform/offline/PropertyList.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/WorkerAppDelegate.h"
-#include "fuzz/Check.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "fuzz/Check.h"
 #include "platform/Text.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

@@ -1,8 +1,8 @@
 #include <cstdlib>
 
 #include "platform/offline/OfflinePlatform.h"
-#include "proof/contract/Adapter.h"
 #include "samples/NotificationBus.h"
+#include "tests/contract/Adapter.h"
 
 namespace tasselby {
 

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "fuzz/Check.h"
 #include "keep/WorkerExtras.h"
 #include "platform/Text.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

@@ -2,8 +2,8 @@
 
 #include "platform/macos/MacPlatform.h"
 #include "platform/offline/OfflinePlatform.h"
-#include "proof/contract/Adapter.h"
 #include "samples/ScratchHome.h"
+#include "tests/contract/Adapter.h"
 
 namespace tasselby {
 namespace {

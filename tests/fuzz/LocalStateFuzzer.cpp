@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/LocalState.h"
-#include "fuzz/Check.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/Check.h"
 #include "platform/offline/ArgumentDomain.h"
+#include "tests/fuzz/Check.h"
 
 using namespace tasselby;
 

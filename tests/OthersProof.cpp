@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "platform/FileManager.h"
-#include "proof/Trial.h"
 #include "storage/Sqlite.h"
+#include "tests/Trial.h"
 
 namespace tasselby {
 namespace {

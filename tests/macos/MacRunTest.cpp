@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "proof/contract/Adapter.h"
 #include "samples/MacHome.h"
 #include "samples/NotificationBus.h"
 #include "samples/RunWorker.h"
+#include "tests/contract/Adapter.h"
 
 namespace tasselby {
 namespace {

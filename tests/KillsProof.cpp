@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/FileManager.h"
-#include "proof/Trial.h"
+#include "tests/Trial.h"
 
 namespace tasselby {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "proof/Trial.h"
+#include "tests/Trial.h"
 
 namespace tasselby {
 namespace {
