@@ -14,9 +14,9 @@
 #include "app/WorkerAppDelegate.h"
 #include "bench/Bench.h"
 #include "cleaners/cookies/TrackingNames.h"
+#include "platform/ReplaceFile.h"
+#include "platform/SafariCookies.h"
 #include "platform/Text.h"
-#include "platform/offline/OfflinePlatform.h"
-#include "platform/offline/ReplaceFile.h"
 #include "samples/BinaryCookieWriter.h"
 #include "storage/Sqlite.h"
 
@@ -156,7 +156,7 @@ Comparison cookieFile() {
   const double ratio = leastRatio(
       9, [&] { std::ofstream(path, std::ios::binary) << sample; },
       [&] {
-        const auto storage = makeOfflineCookieStorage(files);
+        const auto storage = makeSafariCookies(files);
         const std::vector<HTTPCookie> all = storage->cookies();
         for (std::size_t i = 0; i < all.size(); i += 2) {
           storage->deleteCookie(all[i]);

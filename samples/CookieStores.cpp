@@ -119,8 +119,8 @@ void addMozillaCookies(MacHome& home, const std::string& browser, const std::str
   home.writeDatabase(path, sql);
 }
 
-void addSafariCookies(MacHome& home) {
-  const std::string path = "Library/Cookies/Cookies.binarycookies";
+/// The old place's file, or the container's, which an update of the system leaves side by side.
+void addSafariCookies(MacHome& home, const std::string& path) {
   std::vector<SampleCookie> cookies;
   for (const Cookie& cookie : cookiesOf(home)) {
     cookies.push_back({.domain = cookie.host, .name = cookie.name, .value = "v"});
@@ -151,7 +151,9 @@ void addCookies(MacHome& home) {
   addMozillaCookies(home, "Firefox", support + "Firefox/Profiles/" + kFirefoxProfileNames[1], false,
                     100001);
   addMozillaCookies(home, "Camino", support + "Camino", false, 1);
-  addSafariCookies(home);
+  const std::string safari = "Library/Cookies/Cookies.binarycookies";
+  addSafariCookies(home, safari);
+  addSafariCookies(home, "Library/Containers/com.apple.Safari/Data/" + safari);
 }
 
 }  // namespace tasselby

@@ -4,11 +4,10 @@
 #include <iterator>
 #include <map>
 #include <random>
-#include <set>
 #include <utility>
 
+#include "platform/BinaryCookies.h"
 #include "platform/Text.h"
-#include "platform/offline/OfflinePlatform.h"
 #include "samples/SampleStores.h"
 #include "storage/SqlText.h"
 #include "storage/Sqlite.h"
@@ -17,8 +16,6 @@ namespace tasselby {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr const char* kSafariCookies = "Users/anna/Library/Cookies/Cookies.binarycookies";
 
 const std::vector<SampleSite> kBaseSites = {
     {"www.example.com", true},     {"shop.example.co.uk", true},
@@ -40,16 +37,6 @@ std::vector<SampleSite> makeSites(std::uint32_t seed, int scale) {
   return sites;
 }
 
-/// The Safari cookies of the home folder `home`, each as its domain and name.
-std::set<std::string> safariCookies(const std::string& home) {
-  const FileManager files(home);
-  std::set<std::string> cookies;
-  for (const HTTPCookie& cookie : makeOfflineCookieStorage(files)->cookies()) {
-    cookies.insert(cookie.domain + " " + cookie.name);
-  }
-  return cookies;
-}
-
 std::optional<std::string> fileContents(const std::string& path) {
   const fs::file_status status = fs::symlink_status(path);
   if (fs::is_symlink(status)) {
@@ -60,6 +47,15 @@ std::optional<std::string> fileContents(const std::string& path) {
   }
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+/// The bytes of each record of the cookie file `file`, by its domain and name.
+std::map<std::string, std::string> cookieRecords(const std::string& file) {
+  std::map<std::string, std::string> records;
+  for (const BinaryCookie& cookie : parseBinaryCookies(file).cookies) {
+    records.emplace(std::string(cookie.domain) + ' ' + std::string(cookie.name), cookie.record);
+  }
+  return records;
 }
 
 std::string described(const Value& value) {
@@ -153,15 +149,20 @@ void MacHome::writeDatabase(const std::string& path, const std::vector<std::stri
 }
 
 std::vector<std::optional<std::string>> MacHome::contents() const {
-  const std::set<std::string> cookies = safariCookies(home());
   std::map<std::string, Sqlite> databases;
+  std::map<std::string, std::map<std::string, std::string>> cookies;
   std::vector<std::optional<std::string>> contents;
   for (const SampleItem& item : items_) {
     const std::string full = path(item.path);
     if (item.key.empty()) {
       contents.push_back(fileContents(full));
-    } else if (item.path == kSafariCookies) {
-      contents.push_back(cookies.contains(item.key) ? std::optional(item.key) : std::nullopt);
+    } else if (item.path.ends_with(".binarycookies")) {
+      if (!cookies.contains(item.path)) {
+        cookies[item.path] = cookieRecords(fileContents(full).value_or(""));
+      }
+      const auto found = cookies[item.path].find(item.key);
+      contents.push_back(found != cookies[item.path].end() ? std::optional(found->second)
+                                                           : std::nullopt);
     } else {
       Sqlite& database = databases[item.path];
       if (database.filePath().empty() && fs::exists(full)) {

@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "platform/FileManager.h"
-#include "platform/offline/BinaryCookies.h"
+#include "platform/BinaryCookies.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {

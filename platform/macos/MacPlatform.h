@@ -23,9 +23,10 @@ std::unique_ptr<Bundle> makeMacBundle();
 /// for a reference to an item. May wait for the user to allow the access.
 std::unique_ptr<Keychain> makeMacKeychain();
 
-/// The cookie storage that the system gives this process as the shared one. A cookie's identity is
-/// good for the life of the answer.
-std::unique_ptr<HTTPCookieStorage> makeMacCookieStorage();
+/// The cookie storage that the system gives this process as the shared one, and behind its cookies
+/// those of Safari's own files, which are rewritten at `synchronize`. A cookie's identity is good
+/// for the life of the answer. `files` must outlive it.
+std::unique_ptr<HTTPCookieStorage> makeMacCookieStorage(const FileManager& files);
 
 /// The default user notification centre.
 std::unique_ptr<UserNotificationCenter> makeMacNotificationCenter();
@@ -47,10 +48,10 @@ class MacRun {
   std::unique_ptr<UserDefaults> userDefaults_ = makeMacUserDefaults();
   std::unique_ptr<Bundle> bundle_ = makeMacBundle();
   std::unique_ptr<Keychain> keychain_ = makeMacKeychain();
-  std::unique_ptr<HTTPCookieStorage> cookieStorage_ = makeMacCookieStorage();
-  std::unique_ptr<UserNotificationCenter> notificationCenter_ = makeMacNotificationCenter();
   // Absolute paths are the running system's, on whatever volume the home folder is.
   FileManager files_{macHomeFolder(), ""};
+  std::unique_ptr<HTTPCookieStorage> cookieStorage_ = makeMacCookieStorage(files_);
+  std::unique_ptr<UserNotificationCenter> notificationCenter_ = makeMacNotificationCenter();
   std::unique_ptr<ApplicationDelegate> delegate_;
 };
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/HardError.h"
+#include "platform/SafariCookies.h"
 
 namespace tasselby {
 namespace {
@@ -58,7 +59,7 @@ int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) 
   const FileManager files(homeFolder());
   const auto userDefaults = makeOfflineUserDefaults(arguments, files);
   const auto keychain = makeOfflineKeychain(files);
-  const auto cookieStorage = makeOfflineCookieStorage(files);
+  const auto cookieStorage = makeSafariCookies(files);
   const auto notifications = makeDesktopNotifications();
   OfflineBundle bundle;
   OfflineApplication application(arguments, *cookieStorage);

@@ -20,11 +20,6 @@ std::unique_ptr<UserDefaults> makeOfflineUserDefaults(std::vector<std::string> a
 /// Never writes, never reads a secret. `files` must outlive the answer.
 std::unique_ptr<Keychain> makeOfflineKeychain(const FileManager& files);
 
-/// Safari's cookies in `~/Library/Cookies/Cookies.binarycookies`. Deletions are gathered until
-/// `synchronize`, which rewrites the file once; a file that did not parse wholly is never written.
-/// `files` must outlive the answer.
-std::unique_ptr<HTTPCookieStorage> makeOfflineCookieStorage(const FileManager& files);
-
 /// The notification service of the desktop on the session bus. Without a bus or a service, and
 /// in a build without sd-bus, nothing happens; nothing waits longer than a second.
 std::unique_ptr<UserNotificationCenter> makeDesktopNotifications();

@@ -32,13 +32,7 @@ void prepareAdapter(ScratchHome& home) {
     item.emplace("class", "inet");
     items += dictionary(item);
   }
-  std::string cookies;
-  for (const HTTPCookie& cookie : makeOfflineCookieStorage(files)->cookies()) {
-    cookies += dictionary(
-        {{"Domain", cookie.domain}, {"Name", cookie.name}, {"Path", "/"}, {"Value", "v"}});
-  }
-  home.file("GNUstep/Keychain.plist", list(items))
-      .file("GNUstep/Cookies/Cookies.plist", list(cookies));
+  home.file("GNUstep/Keychain.plist", list(items));
 }
 
 void runAdapter(int /*argc*/, char** /*argv*/, DelegateFactory makeDelegate) {

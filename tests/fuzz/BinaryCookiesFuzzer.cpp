@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/offline/BinaryCookies.h"
+#include "platform/BinaryCookies.h"
 #include "tests/fuzz/Check.h"
 
 using namespace tasselby;

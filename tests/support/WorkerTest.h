@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/WorkerAppDelegate.h"
+#include "platform/SafariCookies.h"
 #include "platform/offline/OfflinePlatform.h"
 #include "samples/ScratchHome.h"
 
@@ -74,7 +75,7 @@ class WorkerTest : public ::testing::Test {
   RecordingCenter center;
   FileManager files{home.home()};
   std::unique_ptr<Keychain> keychain = makeOfflineKeychain(files);
-  std::unique_ptr<HTTPCookieStorage> cookieStorage = makeOfflineCookieStorage(files);
+  std::unique_ptr<HTTPCookieStorage> cookieStorage = makeSafariCookies(files);
   Platform platform{application, defaults, bundle, *keychain, *cookieStorage, center, files, 744.0};
   WorkerAppDelegate worker{platform};
 };

@@ -38,7 +38,7 @@ TEST_F(CookiesTest, RemovesInEveryBrowserWhatIsNotKeptAndTrackingCookies) {
     const CookieCounts counts = worker.removeCookies_keepCookies(browser, kKept);
     EXPECT_EQ(counts.cookies, 15);
     EXPECT_EQ(counts.tracking, 5);
-    EXPECT_EQ(makeOfflineCookieStorage(files)->cookies().size(), 3U) << "Safari's are on disk";
+    EXPECT_EQ(makeSafariCookies(files)->cookies().size(), 3U) << "Safari's are on disk";
     const auto left = worker.cookies_keepCookies(browser, {}).removalList;
     ASSERT_EQ(left.size(), 3U);
     for (std::size_t i = 0; i < left.size(); ++i) {

@@ -3,7 +3,7 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/offline/BinaryCookies.h"
+#include "platform/BinaryCookies.h"
 #include "samples/BinaryCookieWriter.h"
 
 namespace tasselby {

@@ -4,7 +4,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include "platform/offline/OfflinePlatform.h"
+#include "platform/SafariCookies.h"
 #include "samples/BinaryCookieWriter.h"
 #include "samples/ScratchHome.h"
 
@@ -19,7 +19,7 @@ const std::vector<SampleCookie> kFour = {
 class CookieStorageTest : public ::testing::Test {
  public:
   struct stat status() const {
-    struct stat status {};
+    struct stat status{};
     ::stat(home.path(kPath).c_str(), &status);
     return status;
   }
@@ -32,7 +32,7 @@ class CookieStorageTest : public ::testing::Test {
 
   ScratchHome home;
   FileManager files{home.home()};
-  std::unique_ptr<HTTPCookieStorage> storage = makeOfflineCookieStorage(files);
+  std::unique_ptr<HTTPCookieStorage> storage = makeSafariCookies(files);
 };
 
 TEST_F(CookieStorageTest, RewritesWhatALinkNamesOnceForManyDeletionsAndKeepsItsMode) {

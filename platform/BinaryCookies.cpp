@@ -1,4 +1,4 @@
-#include "platform/offline/BinaryCookies.h"
+#include "platform/BinaryCookies.h"
 
 #include <cassert>
 #include <cstdint>

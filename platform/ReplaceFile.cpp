@@ -1,4 +1,4 @@
-#include "platform/offline/ReplaceFile.h"
+#include "platform/ReplaceFile.h"
 
 #include <cerrno>
 #include <cstdio>
