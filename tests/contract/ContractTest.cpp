@@ -1,6 +1,5 @@
 // What the worker relies on, whichever adapter is below it.
 
-#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
 
@@ -12,6 +11,14 @@ namespace tasselby {
 namespace {
 
 using Body = std::function<void(const Platform&)>;
+
+constexpr const char* kOldCookies = "Library/Cookies/Cookies.binarycookies";
+constexpr const char* kCookies =
+    "Library/Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies";
+
+const SampleCookie kFirst = {.domain = ".example.com", .name = "a", .value = "v"};
+const SampleCookie kSecond = {.domain = "www.example.com", .name = "a", .value = "v"};
+const SampleCookie kThird = {.domain = "www.example.com", .name = "b", .value = "v"};
 
 std::vector<char*> processArguments;
 Body body;
@@ -53,10 +60,8 @@ struct AdapterContract : ::testing::Test {
               keychainFile({{.server = "www.example.com"},
                             {.server = "b\xC3\xBC.example", .account = "berta"},
                             {.server = "mail.example", .authenticationType = "dflt"}}))
-        .file("Library/Cookies/Cookies.binarycookies",
-              binaryCookieFile({{.domain = ".example.com", .name = "a", .value = "v"},
-                                {.domain = "www.example.com", .name = "a", .value = "v"},
-                                {.domain = "www.example.com", .name = "b", .value = "v"}}));
+        .file(kOldCookies, binaryCookieFile({kFirst, kSecond, kThird}))
+        .file(kCookies, binaryCookieFile({kThird, kSecond}));
     ::setenv("HOME", home.home().c_str(), 1);
     prepareAdapter(home);
   }
@@ -118,26 +123,27 @@ TEST_F(AdapterContract, KeychainAnswersTheAttributesOfWhatMatches) {
   });
 }
 
-TEST_F(AdapterContract, CookieStorageDeletesExactlyTheCookieGiven) {
-  onPlatform([](const Platform& platform) {
-    const auto stored = [&platform] {
-      Names names;
-      for (const HTTPCookie& cookie : platform.cookieStorage.cookies()) {
-        names.push_back(cookie.domain + " " + cookie.name);
-      }
-      std::ranges::sort(names);
-      return names;
-    };
-    const std::vector<HTTPCookie> before = platform.cookieStorage.cookies();
-    EXPECT_EQ(stored(), (Names{".example.com a", "www.example.com a", "www.example.com b"}));
-    for (const HTTPCookie& cookie : before) {
-      if (cookie.domain == "www.example.com" && cookie.name == "a") {
-        platform.cookieStorage.deleteCookie(cookie);
-        platform.cookieStorage.deleteCookie(cookie);
-      }
+TEST_F(AdapterContract, CookieStorageDeletesExactlyTheCookiesGivenFromEitherFile) {
+  onPlatform([this](const Platform& platform) {
+    HTTPCookieStorage& storage = platform.cookieStorage;
+    const std::vector<HTTPCookie> cookies = storage.cookies();
+    ASSERT_EQ(cookies.size(), 5U);
+    for (const std::size_t i : {1U, 1U, 3U}) {
+      storage.deleteCookie(cookies[i]);
     }
-    platform.cookieStorage.synchronize();
-    EXPECT_EQ(stored(), (Names{".example.com a", "www.example.com b"}));
+    storage.synchronize();
+    EXPECT_EQ(home.contents(kOldCookies), binaryCookieFile({kFirst, kThird}));
+    EXPECT_EQ(home.contents(kCookies), binaryCookieFile({kSecond}));
+
+    std::string damaged = home.contents(kOldCookies);
+    damaged.back() ^= 1;
+    home.file(kOldCookies, damaged);
+    for (const HTTPCookie& cookie : storage.cookies()) {
+      storage.deleteCookie(cookie);
+    }
+    storage.synchronize();
+    EXPECT_EQ(home.contents(kOldCookies), damaged) << "one that is damaged is never written";
+    EXPECT_EQ(storage.cookies().size(), 2U) << "and costs the other nothing";
   });
 }
 

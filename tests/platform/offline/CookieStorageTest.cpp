@@ -82,6 +82,13 @@ TEST_F(CookieStorageTest, NeverWritesADamagedFile) {
   EXPECT_EQ(home.contents(kPath), damaged);
 }
 
+TEST_F(CookieStorageTest, ReadsOneFileBehindBothPathsOnce) {
+  home.file(kPath, binaryCookieFile(kFour))
+      .link("Library/Containers/com.apple.Safari/Data/Library/Cookies",
+            home.path("Library/Cookies"));
+  EXPECT_EQ(storage->cookies().size(), 4U);
+}
+
 TEST_F(CookieStorageTest, LeavesTheOldFileWhenWritingFailsOrTheProcessDiesInIt) {
   home.file(kPath, binaryCookieFile(kFour));
   const auto synchronizeWithin = [this](rlim_t fileSize) {
