@@ -46,7 +46,8 @@ class UserNotificationCenter {
   /// Whom to ask from now on; not owned.
   virtual void setDelegate(UserNotificationCenterDelegate* delegate) = 0;
 
-  /// Posts `notification` for delivery at its date.
+  /// Posts `notification` for delivery at its date. Waits until the service has it, so that this
+  /// process may end, and for a second at most.
   virtual void scheduleNotification(const UserNotification& notification) = 0;
 
   /// Takes `notification` off the list of those the user has been shown.

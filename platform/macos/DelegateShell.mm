@@ -36,8 +36,11 @@ tasselby::DelegateFactory delegateFactory = nullptr;
   [super dealloc];
 }
 
-// Does not call super's: not every NSObject has one.
 - (void)awakeFromNib {
+  // Not every system's NSObject has one to call; one that has may take it for an error not to.
+  if ([NSObject instancesRespondToSelector:@selector(awakeFromNib)]) {
+    [super awakeFromNib];
+  }
   @autoreleasepool {
     tasselby::endingOnError([self] { run->delegate().awakeFromNib(); });
   }
@@ -48,6 +51,12 @@ tasselby::DelegateFactory delegateFactory = nullptr;
   @autoreleasepool {
     tasselby::endingOnError([self] { run->delegate().applicationDidFinishLaunching(); });
   }
+}
+
+// There is no state to restore. Without an answer newer systems print a warning.
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)application {
+  static_cast<void>(application);
+  return YES;
 }
 
 // Deliberate: any argument without a "-" counts as a document that the application shall open, the
@@ -66,6 +75,9 @@ int macApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) {
   FileManager::raiseOpenFileLimit();
   delegateFactory = makeDelegate;
   @autoreleasepool {
+    // A browser's name is no document to open; see application:openFile: where it is taken for one.
+    [[NSUserDefaults standardUserDefaults]
+        registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
     return NSApplicationMain(argc, const_cast<const char**>(argv));
   }
 }

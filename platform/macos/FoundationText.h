@@ -4,6 +4,10 @@
 #include <string>
 #include <string_view>
 
+#if __has_feature(objc_arc)
+#error "Objects are released by hand: build without -fobjc-arc"
+#endif
+
 namespace tasselby {
 
 /// `string` in UTF-8, NUL characters included; empty for nil. A lone surrogate, which UTF-8 lacks,

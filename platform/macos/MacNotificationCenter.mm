@@ -18,6 +18,8 @@
   // What was handed on so far; a notification's identifier is its place here. The system's own
   // identifiers are none before somebody sets them.
   NSMutableArray* handedOn;
+  // How many notifications the centre has delivered.
+  NSUInteger delivered;
 }
 @end
 
@@ -39,6 +41,13 @@
   copy.informativeText = tasselby::utf8([notification informativeText]);
   [handedOn addObject:notification];
   return copy;
+}
+
+- (void)userNotificationCenter:(NSUserNotificationCenter*)center
+        didDeliverNotification:(NSUserNotification*)notification {
+  static_cast<void>(center);
+  static_cast<void>(notification);
+  ++delivered;
 }
 
 - (void)userNotificationCenter:(NSUserNotificationCenter*)center
@@ -85,6 +94,11 @@ NSUserNotification* systemNotification(const UserNotification& notification) {
   return object;
 }
 
+// A centre that does not say that it delivered is not waited for any longer.
+constexpr NSTimeInterval kLongestDelivery = 1;
+// A timer does not end a turn of the run loop before its time is up.
+constexpr NSTimeInterval kTurn = 0.01;
+
 class MacNotificationCenter final : public UserNotificationCenter {
  public:
   MacNotificationCenter() { forwarder()->owner = this; }
@@ -108,6 +122,7 @@ class MacNotificationCenter final : public UserNotificationCenter {
     @autoreleasepool {
       [[NSUserNotificationCenter defaultUserNotificationCenter]
           scheduleNotification:systemNotification(notification)];
+      waitForDelivery();
     }
   }
 
@@ -125,6 +140,18 @@ class MacNotificationCenter final : public UserNotificationCenter {
   }
 
  private:
+  /// Turns the run loop until the centre says that it delivered: scheduling is a message to another
+  /// process, and lost if this one ends before it went.
+  void waitForDelivery() const {
+    const NSUInteger before = forwarder()->delivered;
+    NSRunLoop* const loop = [NSRunLoop currentRunLoop];
+    NSDate* const end = [NSDate dateWithTimeIntervalSinceNow:kLongestDelivery];
+    while (forwarder()->delivered == before && [end timeIntervalSinceNow] > 0 &&
+           [loop runMode:NSDefaultRunLoopMode
+               beforeDate:[NSDate dateWithTimeIntervalSinceNow:kTurn]]) {
+    }
+  }
+
   TasselbyNotificationForwarder* forwarder() const { return forwarder_.get(); }
 
   // Owned here: the centre does not keep its delegate alive.

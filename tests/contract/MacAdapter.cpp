@@ -27,7 +27,8 @@ void prepareAdapter(ScratchHome& home) {
   KeychainQuery query;
   query.returnAttributes = true;
   query.matchLimit = KeychainQuery::MatchLimit::kAll;
-  std::string items = dictionary({{"class", "genp"}, {"svce", "Mail"}, {"acct", "berta"}});
+  std::string items = dictionary({{"class", "genp"}, {"svce", "Mail"}, {"acct", "berta"}}) +
+                      dictionary({{"class", "inet"}, {"agrp", "com.apple.cfnetwork"}});
   for (KeychainAttributes item : makeOfflineKeychain(files)->copyMatching(query).items) {
     item.emplace("class", "inet");
     items += dictionary(item);

@@ -6,6 +6,7 @@
 
 #import "platform/macos/FoundationText.h"
 #include "platform/macos/MacPlatform.h"
+#include "samples/BinaryCookieWriter.h"
 #include "samples/ScratchHome.h"
 
 @interface NSUserNotificationCenter (Click)
@@ -55,6 +56,29 @@ TEST(MacNotificationCenter, AsksTheDelegateAndRemovesTheNotificationClicked) {
   [[NSUserNotificationCenter defaultUserNotificationCenter] clickFirst];
   EXPECT_EQ(home.contents("GNUstep/Notifications"),
             "second||(null)|1|Ping|0\nfirst||(null)|1|Ping|1\n");
+}
+
+TEST(MacCookieStorage, TellsTheSharedStoragesCookiesFromSafaris) {
+  ScratchHome home;
+  ::setenv("HOME", home.home().c_str(), 1);
+  home.file("Library/Cookies/Cookies.binarycookies", binaryCookieFile({{"b.test", "safari"}}));
+  const FileManager files(home.home());
+  const auto storage = makeMacCookieStorage(files);
+  @autoreleasepool {
+    [[NSHTTPCookieStorage sharedHTTPCookieStorage] setCookie:[NSHTTPCookie cookieWithProperties:@{
+                                                     NSHTTPCookieDomain : @"a.test",
+                                                     NSHTTPCookieName : @"shared",
+                                                     NSHTTPCookiePath : @"/",
+                                                     NSHTTPCookieValue : @"v"
+                                                   }]];
+  }
+  std::vector<HTTPCookie> cookies = storage->cookies();
+  ASSERT_EQ(cookies.size(), 2U);
+  storage->deleteCookie(cookies[0]);
+  storage->synchronize();
+  cookies = storage->cookies();
+  ASSERT_EQ(cookies.size(), 1U);
+  EXPECT_EQ(cookies[0].name, "safari");
 }
 
 TEST(FoundationText, LosesNothingOnTheWay) {

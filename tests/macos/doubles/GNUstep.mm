@@ -5,7 +5,7 @@
 // - a process's own preferences are named after the process, not after the bundle, so that the test
 //   programs are named like the bundle;
 // - interface files are read uncompiled, and Info.plist is named Info-gnustep.plist;
-// - shared cookies are a property list in the home folder, and every program's;
+// - shared cookies are a property list in the home folder;
 // - strings refuse a lone surrogate, and NSObject has no awakeFromNib;
 // - in Objective-C++, `catch` knows no C++ exception;
 // - an argument that is no document ends in an alert each time, on a Mac only at times.

@@ -1,6 +1,8 @@
 // A keychain of the dictionaries in the property list ~/GNUstep/Keychain.plist. A query that asks
 // for anything but attributes is refused.
 //
+// As on a Mac, an item of another program's access group ("agrp") is not found.
+//
 // A Mac's compares some attributes without regard to case, knows no service of an internet
 // password, and may ask the user.
 
@@ -33,7 +35,7 @@ OSStatus SecItemCopyMatching(CFDictionaryRef given, CFTypeRef* result) {
   NSMutableArray* found = [NSMutableArray array];
   NSString* path = [NSHomeDirectory() stringByAppendingPathComponent:@"GNUstep/Keychain.plist"];
   for (NSDictionary* item in [NSArray arrayWithContentsOfFile:path]) {
-    bool matches = true;
+    bool matches = [item objectForKey:@"agrp"] == nil;
     for (NSString* name in wanted) {
       if (![[NSArray arrayWithObjects:@"class", @"svce", @"acct", nil] containsObject:name]) {
         return kRefused;

@@ -1,8 +1,6 @@
-// A notification centre that delivers at once and keeps the list of those delivered in the file
-// ~/GNUstep/Notifications, a line each: title|subtitle|body|action button|sound|shown in front.
-//
-// A Mac's delivers at the notification's date, by a process of its own, and calls the delegate from
-// the event loop.
+// A notification centre that delivers when the run loop turns, as a Mac's does, and keeps the list
+// of those delivered in the file ~/GNUstep/Notifications, a line each: title|subtitle|body|action
+// button|sound|shown in front.
 
 #import <Foundation/Foundation.h>
 
@@ -34,9 +32,14 @@ static NSMutableArray* delivered() {
           atomically:NO];
 }
 
-- (void)scheduleNotification:(NSUserNotification*)notification {
+- (void)deliver:(NSUserNotification*)notification {
   [delivered() addObject:notification];
   [self record];
+  [delegate userNotificationCenter:self didDeliverNotification:notification];
+}
+
+- (void)scheduleNotification:(NSUserNotification*)notification {
+  [self performSelector:@selector(deliver:) withObject:notification afterDelay:0];
 }
 
 - (void)removeDeliveredNotification:(NSUserNotification*)notification {
