@@ -12,6 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/RemoveTree.h"
 #include "platform/Text.h"
 
 namespace tasselby {
@@ -40,16 +41,6 @@ mode_t typeAt(const std::string& path, bool followLinks) {
     return 0;
   }
   return status.st_mode & S_IFMT;
-}
-
-/// Whether unlink fails on a folder. On Linux it always does; elsewhere a superuser's may tear the
-/// folder out of the tree with all that is in it.
-bool unlinkSparesFolders() {
-#ifdef __linux__
-  return true;
-#else
-  return ::geteuid() != 0;
-#endif
 }
 
 std::optional<std::string> readAll(int descriptor, std::size_t limit) {
@@ -180,18 +171,7 @@ void FileManager::removeItemAtPath(const std::string& path) {
   if (hasNul(path)) {
     return;
   }
-  // Most of what goes is a file, and reading the type first costs a fifth more.
-  if (unlinkSparesFolders() &&
-      (::unlink(path.c_str()) == 0 || (errno != EISDIR && errno != EPERM))) {
-    return;
-  }
-  const mode_t type = typeAt(path, false);
-  if (type == S_IFDIR) {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-  } else if (type != 0) {
-    ::unlink(path.c_str());
-  }
+  removeTree(path);
 }
 
 void FileManager::raiseOpenFileLimit() {

@@ -60,8 +60,8 @@ class FileManager {
   static std::optional<std::string> textOfFile(const std::string& path);
 
   /// Removes the file, link or folder with its contents at `path`. A link inside or at `path` goes
-  /// itself, never what it names, not even when it takes a folder's place meanwhile. The first
-  /// failure ends the removal, leaves what is left and is not reported.
+  /// itself, never what it names, not even when it takes a folder's place meanwhile. What cannot be
+  /// removed stays, everything else goes, and neither is reported.
   static void removeItemAtPath(const std::string& path);
 
   /// Lets this process hold as many files open as the system allows it: a removal holds one for

@@ -1,7 +1,10 @@
 // Runs in which system calls fail: nothing kept is lost, and nothing is left unsound.
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -65,6 +68,26 @@ TEST_F(Faults, LoseNothingThatIsKept) {
     }
   }
   std::printf("%d disturbed runs\n", runs);
+}
+
+TEST_F(Faults, LeaveOfAFolderWhatCannotBeRemovedAlone) {
+  reset();
+  namespace fs = std::filesystem;
+  const std::string cache = home().home() + "/Library/Caches/Camino/Cache";
+  std::ptrdiff_t left = 0;
+  // One call for each file, and two for each folder.
+  for (long call = 1; call <= 12; ++call) {
+    fs::remove_all(cache);
+    for (const char* name : {"/1", "/2/3", "/4/5/6", "/7"}) {
+      fs::create_directories(fs::path(cache + name).parent_path());
+      std::ofstream(cache + name) << "cached";
+    }
+    run({"Camino"}, Disturbance{FAILING_CALLS, "unlinkat,", EACCES, call, true, cache + ","});
+    std::error_code ignored;
+    left += std::ranges::count_if(fs::recursive_directory_iterator(cache, ignored),
+                                  [](const auto& entry) { return entry.is_regular_file(); });
+  }
+  EXPECT_EQ(left, 4) << "each file with the one call that removes it";
 }
 
 TEST_F(Faults, LeaveEverythingSoundWhileTheKeepListIsBuilt) {

@@ -1,23 +1,39 @@
 // Silverlight's isolated storage, shared by all browsers: three levels of folders with names chosen
 // by the plug-in, and in the third a folder "s" of stores beside a folder "g" of their groups.
 
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
+#include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <set>
 #include <string>
+#include <system_error>
+#include <thread>
 
 #include "app/WorkerAppDelegate.h"
 #include "keep/WorkerExtras.h"
 #include "platform/HardError.h"
+#include "platform/RemoveTree.h"
 #include "platform/Text.h"
 #include "storage/Disposal.h"
+#include "storage/SecureDelete.h"
 
 namespace tasselby {
 namespace {
 
 constexpr const char* kPlugIn = "~/Library/Application Support/Microsoft/Silverlight";
 constexpr int kLevels = 3;
+constexpr const char* kIdentity = "id.dat";
+constexpr const char* kGroup = "group.dat";
+
+/// What is set aside bears this before its name. With the dot it is no store.
+constexpr const char* kAside = ".tasselby-";
+
+/// How long another worker may need for what it has begun.
+constexpr std::chrono::milliseconds kMoment(100);
 
 /// Calls `visit` with the path of every entry exactly `levels` listings below `path`, hidden ones
 /// and what is below them left out.
@@ -35,37 +51,103 @@ void visitEntries(const std::string& path, int levels,
   }
 }
 
+/// Where to set aside what is at `path`: beside it. A name has at most 255 bytes.
+std::string asideOf(const std::string& path) {
+  constexpr std::size_t kLongest = 200;
+  const std::size_t name = path.rfind('/') + 1;
+  return path.substr(0, name) + kAside + path.substr(name, kLongest);
+}
+
+/// The site of the store at `store`; no value when the store is gone.
+std::optional<std::string> siteOf(const std::string& store) {
+  std::optional<std::string> identity = FileManager::textOfFile(join(store, kIdentity));
+  for (bool again : {true, false}) {
+    std::error_code ignored;
+    if (!identity && !std::filesystem::exists(std::filesystem::symlink_status(store, ignored))) {
+      // Another worker was here since the stores were listed.
+      return std::nullopt;
+    }
+    if (!identity && again) {
+      std::this_thread::sleep_for(kMoment);
+      identity = FileManager::textOfFile(join(store, kIdentity));
+    }
+  }
+  std::optional<std::string> site = WorkerExtras::siteWithDomainName(identity);
+  if (!site) {
+    // Deliberate: a store that names no site ends the whole run, and is not passed over.
+    throw HardError();
+  }
+  return site;
+}
+
+/// The removal of stores, in steps that may be cut off anywhere. A store is there with its identity
+/// or not at all: a run that finds one without would end at it.
+class Removal {
+ public:
+  Removal(std::string plugIn, bool secure) : plugIn_(std::move(plugIn)), secure_(secure) {
+    // What a run that was cut off has left.
+    dispose(asideOf(plugIn_), secure_);
+  }
+
+  /// Empties `store`, and sets aside what names it and its group. With anything else left in it the
+  /// store stays one.
+  void begin(const std::string& store) const {
+    if ((!secure_ || SecureDelete::wipe(store)) && emptyFolder(store, {kGroup, kIdentity})) {
+      std::rename(store.c_str(), asideOf(store).c_str());
+    }
+  }
+
+  /// Disposes of a store's group and of what has been set aside of the store, at `aside`.
+  /// `group` is the name in the store, and `folder` where both are.
+  void finish(const std::string& folder, const std::optional<std::string>& group,
+              const std::string& aside) const {
+    // Without a group name nothing is disposed of; one that leads out of "g" is none.
+    if (group && staysBelow(*group)) {
+      dispose(join(join(folder, "g"), *group), secure_);
+    }
+    // Deliberate: after every store, and everything of the plug-in goes, other folders with kept
+    // stores included.
+    if (std::ranges::all_of(FileManager::contentsOfDirectoryAtPath(join(folder, "s")),
+                            [](const std::string& name) { return name.starts_with(kAside); })) {
+      std::rename(plugIn_.c_str(), asideOf(plugIn_).c_str());
+      dispose(plugIn_, secure_);
+      dispose(asideOf(plugIn_), secure_);
+    }
+    dispose(aside, secure_);
+  }
+
+ private:
+  std::string plugIn_;
+  bool secure_;
+};
+
+std::optional<std::string> groupOf(const std::string& store) {
+  return FileManager::textOfFile(join(store, kGroup));
+}
+
 }  // namespace
 
 std::int64_t WorkerAppDelegate::removeSilverlight(const KeepList& keepList) {
-  const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
   const std::string plugIn = platform_.files.expandTilde(kPlugIn);
+  const Removal removal(plugIn, platform_.userDefaults.boolForKey("secureDeleteData"));
   std::set<std::string> removed;
   visitEntries(join(plugIn, "is"), kLevels, [&](const std::string& folder) {
-    const std::string stores = join(folder, "s");
-    visitEntries(stores, 1, [&](const std::string& store) {
-      const std::optional<std::string> identity = FileManager::textOfFile(join(store, "id.dat"));
-      const std::optional<std::string> group = FileManager::textOfFile(join(store, "group.dat"));
-      const std::optional<std::string> site = WorkerExtras::siteWithDomainName(identity);
-      if (!site) {
-        // Deliberate: a store that names no site ends the whole run, and is not passed over.
-        throw HardError();
+    for (const std::string& name : FileManager::contentsOfDirectoryAtPath(join(folder, "s"))) {
+      const std::string store = join(join(folder, "s"), name);
+      if (name.starts_with(kAside)) {
+        removal.finish(folder, groupOf(store), store);
       }
-      if (keepList.contains(site)) {
-        return;
+      if (name.starts_with(".")) {
+        continue;
       }
-      removed.insert(*site);
-      dispose(store, secure);
-      // Without a group name nothing is disposed of; one that leads out of "g" is none.
-      if (group && staysBelow(*group)) {
-        dispose(join(join(folder, "g"), *group), secure);
+      const std::optional<std::string> group = groupOf(store);
+      const std::optional<std::string> site = siteOf(store);
+      if (site && !keepList.contains(site)) {
+        removed.insert(*site);
+        removal.begin(store);
+        removal.finish(folder, group, asideOf(store));
       }
-      // Deliberate: after every store, and everything of the plug-in goes, other folders with kept
-      // stores included.
-      if (FileManager::listsAsEmpty(stores)) {
-        dispose(plugIn, secure);
-      }
-    });
+    }
   });
   return static_cast<std::int64_t>(removed.size());
 }

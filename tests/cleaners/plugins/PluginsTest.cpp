@@ -110,8 +110,13 @@ TEST_F(PluginsTest, RemovesSilverlightStoresWithTheirGroups) {
       .file(kSilverlight + "is/a/b/c/s/5/group.dat", "../../../../../kept")
       .file(kSilverlight + "kept/file");
   home.file(kSilverlight + "is/a/b/c/s/6/id.dat", "out.com");
+  // What runs that were cut off have left is no store.
+  home.file(kSilverlight + "is/a/b/c/s/.tasselby-7/group.dat", "group 7")
+      .file(kSilverlight + "is/a/b/c/g/group 7/data")
+      .file(kSilverlight + "../.tasselby-Silverlight/is/a/b/c/s/8/data");
 
   EXPECT_EQ(worker.removeSilverlight(keepList), 3);
+  EXPECT_EQ(home.list(kSilverlight + ".."), Names{"Silverlight"});
 
   EXPECT_EQ(home.list(kSilverlight + "is/a/b/c/s"), Names{"3"});
   EXPECT_EQ(home.list(kSilverlight + "is/a/b/c/g"), Names{"group 3"});
@@ -128,7 +133,20 @@ TEST_F(PluginsTest, SweepsTheWholePlugInOnceAFolderOfStoresIsEmpty) {
   EXPECT_EQ(home.list("Library/Application Support/Microsoft"), Names{"Office"});
 }
 
+TEST_F(PluginsTest, PassesOverAStoreThatHasGoneSinceItWasListed) {
+  // As another worker would, whichever store goes first takes the other with it.
+  home.file(kSilverlight + "is/a/b/c/s/1/id.dat", "gone.com")
+      .file(kSilverlight + "is/a/b/c/s/1/group.dat", "2")
+      .file(kSilverlight + "is/a/b/c/s/2/id.dat", "out.com")
+      .file(kSilverlight + "is/a/b/c/s/2/group.dat", "1")
+      .file(kSilverlight + "is/a/b/c/s/3/id.dat", "kept.com")
+      .link(kSilverlight + "is/a/b/c/g", "s");
+  EXPECT_EQ(worker.removeSilverlight(keepList), 1);
+}
+
 TEST_F(PluginsTest, FailsHardAtAStoreWithoutASite) {
+  home.folder(kSilverlight + "is/a/b/c/s/1");
+  EXPECT_THROW(worker.removeSilverlight(keepList), HardError);
   for (const std::string& identity : {std::string("file:///x"), std::string("\xFF")}) {
     addStore("is/a/b/c", "1", identity);
     EXPECT_THROW(worker.removeSilverlight(keepList), HardError);
