@@ -63,21 +63,15 @@ std::vector<Comparison> storageBenchmarks(const std::string& worker) {
   const std::string home = scratch.path("Users/anna");
   const std::string cache = scratch.path("Users/anna/Library/Caches/Camino/Cache");
   const double removal = leastRatio(
-      3, [&] { makeCache(cache); },
-      [&] {
-        usageOf({worker, "Camino"}, home);
-      },
-      [&] {
-        usageOf({"/bin/rm", "-rf", cache});
-      });
+      3, [&] { makeCache(cache); }, [&] { usageOf({worker, "Camino"}, home); },
+      [&] { usageOf({"/bin/rm", "-rf", cache}); });
 
   const std::string file = scratch.path("file");
   const auto prepare = [&] { makeColdFile(file); };
   const auto wipe = [&] { SecureDelete::wipe(file); };
   const double loop = leastRatio(1, prepare, wipe, [&] { overwriteByCalls(file); });
-  const double shred = leastRatio(2, prepare, wipe, [&] {
-    usageOf({"/usr/bin/shred", "-n", "3", file});
-  });
+  const double shred =
+      leastRatio(2, prepare, wipe, [&] { usageOf({"/usr/bin/shred", "-n", "3", file}); });
   return {{"run that removes a cache of 100,000 files", "rm -rf", removal, 1.0},
           {"three passes over 256 MiB not in memory", "1024-byte writes", loop, 0.1},
           {"three passes over 256 MiB not in memory", "shred -n 3", shred, 0.5}};

@@ -45,10 +45,7 @@ std::vector<Comparison> webStorageBenchmarks(const std::string& worker) {
   const std::string home = scratch.path("Users/anna");
   const std::string folder = scratch.path("Users/anna/Library/Safari/LocalStorage/");
   const double ratio = leastRatio(
-      3, [&] { makeFiles(folder); },
-      [&] {
-        usageOf({worker, "Safari"}, home);
-      },
+      3, [&] { makeFiles(folder); }, [&] { usageOf({worker, "Safari"}, home); },
       [&] { unlinkByHand(folder); });
   return {{"run over 50,000 local-storage files, half go", "readdir and unlink", ratio, 1.2}};
 }

@@ -50,10 +50,7 @@ Comparison wholeRun(const std::string& worker, const std::string& browser, doubl
         fs::remove_all(scratch.path("copy"));
         home.emplace(original.copyTo(scratch.path("copy")));
       },
-      [&] {
-        usageOf({worker, browser}, home->home());
-      },
-      [&] { removeByList(*home, browser); });
+      [&] { usageOf({worker, browser}, home->home()); }, [&] { removeByList(*home, browser); });
   return {browser + " run over a home of " + std::to_string(original.items().size()) + " items",
           "removal by a list", ratio, bar};
 }

@@ -35,7 +35,7 @@ bool hasNul(const std::string& path) {
 
 /// The type bits of what is at `path`; 0 when nothing is.
 mode_t typeAt(const std::string& path, bool followLinks) {
-  struct stat status {};
+  struct stat status{};
   if (hasNul(path) ||
       ::fstatat(AT_FDCWD, path.c_str(), &status, followLinks ? 0 : AT_SYMLINK_NOFOLLOW) != 0) {
     return 0;
@@ -44,7 +44,7 @@ mode_t typeAt(const std::string& path, bool followLinks) {
 }
 
 std::optional<std::string> readAll(int descriptor, std::size_t limit) {
-  struct stat status {};
+  struct stat status{};
   if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
       static_cast<std::uintmax_t>(status.st_size) > limit) {
     return std::nullopt;

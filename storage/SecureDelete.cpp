@@ -96,7 +96,7 @@ bool SecureDelete::wipe_phase(const std::string& path, std::int32_t phase) {
     return false;
   }
   // Deliberate: the descriptor stays open on the two ways out before the writing.
-  struct stat status {};
+  struct stat status{};
   if (::fstat(descriptor, &status) != 0) {
     return false;
   }

@@ -105,7 +105,7 @@ int registerFileSystem() {
 /// The bytes that the file takes on the disk, and not those it claims: a sparse one claims any.
 std::int64_t sizeOf(const char* path) {
   constexpr std::int64_t kBlock = 512;
-  struct stat status {};
+  struct stat status{};
   return ::stat(path, &status) == 0 ? status.st_blocks * kBlock : 0;
 }
 

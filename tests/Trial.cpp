@@ -5,8 +5,8 @@
 #include <set>
 #include <unistd.h>
 
-#include "platform/FileManager.h"
 #include "platform/BinaryCookies.h"
+#include "platform/FileManager.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
