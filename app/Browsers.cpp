@@ -1,6 +1,6 @@
 #include "app/Browsers.h"
 
-#include "platform/Text.h"
+#include "platform/Paths.h"
 
 namespace tasselby {
 
@@ -35,10 +35,10 @@ std::string cacheRoot(std::string_view browser) {
 std::vector<std::string> firefoxDatabases(const FileManager& files, const std::string& name) {
   std::vector<std::string> paths;
   const std::string profiles = files.expandTilde(kFirefoxProfiles);
-  for (const std::string& entry : FileManager::contentsOfDirectoryAtPath(profiles)) {
+  for (const std::string& entry : files.contentsOfDirectoryAtPath(profiles)) {
     const std::string profile = join(profiles, entry);
     std::string path = join(profile, name);
-    if (FileManager::hasFolderType(profile) && FileManager::fileExistsAtPath(path)) {
+    if (files.hasFolderType(profile) && files.fileExistsAtPath(path)) {
       paths.push_back(std::move(path));
     }
   }

@@ -7,14 +7,14 @@
 #include "app/Browsers.h"
 #include "app/WorkerAppDelegate.h"
 #include "platform/HardError.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 
 namespace tasselby {
 
 ProfileMap WorkerAppDelegate::userProfiles(const std::string& browser) const {
   const std::string root = dataRoot(browser == "Google Chrome" ? browser : "Chromium");
   const std::string path = join(platform_.files.expandTilde(root), "Local State");
-  const std::optional<std::string> text = FileManager::textOfFile(path);
+  const std::optional<std::string> text = platform_.files.textOfFile(path);
   if (!text) {
     // Deliberate: without its list of profiles a browser counts as unknown, not as having none.
     throw HardError();

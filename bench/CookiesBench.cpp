@@ -163,7 +163,7 @@ Comparison cookieFile() {
         }
         storage->synchronize();
       },
-      [&] { replaceFile(path, FileManager::contentsOfFile(path, sample.size()).value_or("")); });
+      [&] { replaceFile(path, FileManager("").contentsOfFile(path, sample.size()).value_or("")); });
   return {"half of 50,000 cookies off a cookie file", "file read and written once", ratio, 3.0};
 }
 

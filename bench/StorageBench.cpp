@@ -68,7 +68,7 @@ std::vector<Comparison> storageBenchmarks(const std::string& worker) {
 
   const std::string file = scratch.path("file");
   const auto prepare = [&] { makeColdFile(file); };
-  const auto wipe = [&] { SecureDelete::wipe(file); };
+  const auto wipe = [&] { SecureDelete::wipe(FileManager(""), file); };
   const double loop = leastRatio(1, prepare, wipe, [&] { overwriteByCalls(file); });
   const double shred =
       leastRatio(2, prepare, wipe, [&] { usageOf({"/usr/bin/shred", "-n", "3", file}); });

@@ -6,12 +6,12 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
 
+#include "platform/Paths.h"
 #include "platform/RemoveTree.h"
 #include "platform/Text.h"
 
@@ -89,19 +89,19 @@ std::string FileManager::onVolume(const std::string& path) const {
   return join(volume_, path);
 }
 
-bool FileManager::fileExistsAtPath(const std::string& path) {
+bool FileManager::fileExistsAtPath(const std::string& path) const {
   return typeAt(path, true) != 0;
 }
 
-bool FileManager::isFolderAtPath(const std::string& path) {
+bool FileManager::isFolderAtPath(const std::string& path) const {
   return typeAt(path, true) == S_IFDIR;
 }
 
-bool FileManager::hasFolderType(const std::string& path) {
+bool FileManager::hasFolderType(const std::string& path) const {
   return typeAt(path, false) == S_IFDIR;
 }
 
-std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::string& path) {
+std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::string& path) const {
   std::vector<std::string> names;
   const Folder folder(hasNul(path) ? nullptr : ::opendir(path.c_str()));
   if (!folder) {
@@ -119,7 +119,7 @@ std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::strin
   return names;
 }
 
-bool FileManager::listsAsEmpty(const std::string& path) {
+bool FileManager::listsAsEmpty(const std::string& path) const {
   const Folder folder(hasNul(path) ? nullptr : ::opendir(path.c_str()));
   while (const dirent* entry = folder ? ::readdir(folder.get()) : nullptr) {
     const std::string_view name = entry->d_name;
@@ -131,7 +131,7 @@ bool FileManager::listsAsEmpty(const std::string& path) {
 }
 
 bool FileManager::enumerateDeep(const std::string& path,
-                                const std::function<bool(const std::string&)>& visit) {
+                                const std::function<bool(const std::string&)>& visit) const {
   if (hasNul(path)) {
     return true;
   }
@@ -147,7 +147,8 @@ bool FileManager::enumerateDeep(const std::string& path,
   return true;
 }
 
-std::optional<std::string> FileManager::contentsOfFile(const std::string& path, std::size_t limit) {
+std::optional<std::string> FileManager::contentsOfFile(const std::string& path,
+                                                       std::size_t limit) const {
   // Without O_NONBLOCK, opening a FIFO waits for a writer.
   const int descriptor =
       hasNul(path) ? -1 : ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
@@ -159,12 +160,12 @@ std::optional<std::string> FileManager::contentsOfFile(const std::string& path, 
   return bytes;
 }
 
-std::optional<std::string> FileManager::textOfFile(const std::string& path) {
+std::optional<std::string> FileManager::textOfFile(const std::string& path) const {
   std::optional<std::string> text = contentsOfFile(path, kTextLimit);
   return text && isValidUtf8(*text) ? text : std::nullopt;
 }
 
-void FileManager::removeItemAtPath(const std::string& path) {
+void FileManager::removeItemAtPath(const std::string& path) const {
   if (path.ends_with('/')) {
     return removeItemAtPath(path.substr(0, path.size() - 1));
   }
@@ -172,14 +173,6 @@ void FileManager::removeItemAtPath(const std::string& path) {
     return;
   }
   removeTree(path);
-}
-
-void FileManager::raiseOpenFileLimit() {
-  rlimit limit{};
-  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
-    limit.rlim_cur = limit.rlim_max;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-  }
 }
 
 }  // namespace tasselby

@@ -8,7 +8,8 @@
 
 namespace tasselby {
 
-/// The file system. One implementation serves every POSIX system.
+/// The file system. One implementation serves every POSIX system; another may stand in for it, and
+/// whoever is handed a file manager asks that one for everything.
 ///
 /// Paths are bytes, and what they name need not exist. Nothing here throws, logs or follows a link
 /// unless it says so. A path with a NUL byte in it names nothing.
@@ -21,52 +22,51 @@ class FileManager {
   /// The same with the volume named; "" for the root.
   FileManager(std::string home, std::string volume);
 
+  virtual ~FileManager() = default;
+
   /// `path` with a leading "~" or "~/" replaced by the home folder; any other path as it is.
-  std::string expandTilde(const std::string& path) const;
+  virtual std::string expandTilde(const std::string& path) const;
 
   /// The absolute Mac path `path` on the volume that the home folder is on.
-  std::string onVolume(const std::string& path) const;
+  virtual std::string onVolume(const std::string& path) const;
 
   /// Whether something is at `path`, links followed: a dangling link does not exist.
-  static bool fileExistsAtPath(const std::string& path);
+  virtual bool fileExistsAtPath(const std::string& path) const;
 
   /// Whether a folder is at `path`, links followed.
-  static bool isFolderAtPath(const std::string& path);
+  virtual bool isFolderAtPath(const std::string& path) const;
 
   /// Whether the item at `path` itself has the file type folder; a link to one has not.
-  static bool hasFolderType(const std::string& path);
+  virtual bool hasFolderType(const std::string& path) const;
 
   /// The names in the folder at `path`, in the order the system lists them, "." and ".." left out.
   /// Links are followed. Empty when it is no folder or cannot be read to its end.
-  static std::vector<std::string> contentsOfDirectoryAtPath(const std::string& path);
+  virtual std::vector<std::string> contentsOfDirectoryAtPath(const std::string& path) const;
 
   /// Whether the folder at `path` has no entries, hidden ones included, or cannot be listed. Looks
   /// at one entry only.
-  static bool listsAsEmpty(const std::string& path);
+  virtual bool listsAsEmpty(const std::string& path) const;
 
   /// Calls `visit` with the path of each item below the folder at `path`, at every depth and
   /// hidden ones included, until it answers false or the first error. A link
   /// at `path` is followed; links to folders inside are visited and not entered. Answers whether no
   /// visit answered false.
-  static bool enumerateDeep(const std::string& path,
-                            const std::function<bool(const std::string&)>& visit);
+  virtual bool enumerateDeep(const std::string& path,
+                             const std::function<bool(const std::string&)>& visit) const;
 
   /// The bytes of the regular file at `path`, links followed. No value when it is missing, cannot
   /// be read, is no regular file or has more than `limit` bytes. Never waits for a writer.
-  static std::optional<std::string> contentsOfFile(const std::string& path, std::size_t limit);
+  virtual std::optional<std::string> contentsOfFile(const std::string& path,
+                                                    std::size_t limit) const;
 
   /// The whole text of the regular file at `path`, links followed. No value when `contentsOfFile`
   /// has none within 64 MiB, or the bytes are no UTF-8.
-  static std::optional<std::string> textOfFile(const std::string& path);
+  virtual std::optional<std::string> textOfFile(const std::string& path) const;
 
   /// Removes the file, link or folder with its contents at `path`. A link inside or at `path` goes
   /// itself, never what it names, not even when it takes a folder's place meanwhile. What cannot be
   /// removed stays, everything else goes, and neither is reported.
-  static void removeItemAtPath(const std::string& path);
-
-  /// Lets this process hold as many files open as the system allows it: a removal holds one for
-  /// each level of a tree.
-  static void raiseOpenFileLimit();
+  virtual void removeItemAtPath(const std::string& path) const;
 
  private:
   std::string home_;

@@ -30,7 +30,7 @@ constexpr std::size_t kFileLimit = std::size_t{64} << 20;
 
 class SafariCookies final : public HTTPCookieStorage {
  public:
-  explicit SafariCookies(const FileManager& files) {
+  explicit SafariCookies(const FileManager& files) : files_(files) {
     std::ranges::transform(kCookieFiles, paths_.begin(),
                            [&files](const char* path) { return files.expandTilde(path); });
   }
@@ -74,7 +74,7 @@ class SafariCookies final : public HTTPCookieStorage {
 
   /// Appends the cookies of the file `file` to `answer`.
   void read(std::size_t file, std::vector<HTTPCookie>& answer) {
-    auto contents = FileManager::contentsOfFile(paths_[file], kFileLimit);
+    auto contents = files_.contentsOfFile(paths_[file], kFileLimit);
     if (!contents) {
       return;
     }
@@ -90,7 +90,7 @@ class SafariCookies final : public HTTPCookieStorage {
   void rewrite(std::size_t file) {
     std::error_code error;
     const std::string path = fs::canonical(paths_[file], error).native();
-    const auto contents = error ? std::nullopt : FileManager::contentsOfFile(path, kFileLimit);
+    const auto contents = error ? std::nullopt : files_.contentsOfFile(path, kFileLimit);
     if (!contents) {
       return;
     }
@@ -129,6 +129,7 @@ class SafariCookies final : public HTTPCookieStorage {
     return gone;
   }
 
+  const FileManager& files_;
   std::array<std::string, kCookieFiles.size()> paths_;
   // Every file that was read, and the records that were answered of them. A cookie's identity is
   // the place of its record.

@@ -177,7 +177,7 @@ std::optional<std::string> percentDecoded(std::string_view text) {
   return decoded;
 }
 
-std::string formatted(std::string_view format, std::initializer_list<std::string> values) {
+std::string formatted(std::string_view format, const std::vector<std::string>& values) {
   std::string text;
   for (const std::string& value : values) {
     const std::size_t place = format.find("%@");
@@ -188,42 +188,6 @@ std::string formatted(std::string_view format, std::initializer_list<std::string
     format.remove_prefix(place + 2);
   }
   return text.append(format);
-}
-
-std::string join(const std::string& base, std::string_view component) {
-  while (component.starts_with('/')) {
-    component.remove_prefix(1);
-  }
-  while (component.ends_with('/')) {
-    component.remove_suffix(1);
-  }
-  if (component.empty()) {
-    return base;
-  }
-  std::string path = base;
-  while (path.ends_with('/')) {
-    path.pop_back();
-  }
-  path += '/';
-  path += component;
-  return path;
-}
-
-bool staysBelow(std::string_view component) {
-  if (component.find('\0') != std::string_view::npos) {
-    return false;
-  }
-  while (true) {
-    const std::size_t slash = component.find('/');
-    const std::string_view part = component.substr(0, slash);
-    if (part == ".." || part == ".") {
-      return false;
-    }
-    if (slash == std::string_view::npos) {
-      return true;
-    }
-    component.remove_prefix(slash + 1);
-  }
 }
 
 }  // namespace tasselby

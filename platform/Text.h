@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tasselby {
 
@@ -33,18 +33,6 @@ std::string reversedByUnits(std::string_view text);
 std::optional<std::string> percentDecoded(std::string_view text);
 
 /// `format` with each "%@" replaced by the next of `values`; those without a value stay.
-std::string formatted(std::string_view format, std::initializer_list<std::string> values);
-
-/// `component` below `base` with exactly one "/" between, also when `component` begins with one,
-/// and none at its end: behind a link's name it would mean what the link names. An empty
-/// `component` leaves `base` alone.
-std::string join(const std::string& base, std::string_view component);
-
-/// Whether appending `component`, read from somebody's data, names something below the folder it is
-/// appended to, or that folder by the empty name: no "." or ".." among its parts, no NUL byte.
-///
-/// Deliberate: a name that leads elsewhere is passed over, though it counts like any other. What is
-/// outside of a store is none of the store's.
-bool staysBelow(std::string_view component);
+std::string formatted(std::string_view format, const std::vector<std::string>& values);
 
 }  // namespace tasselby

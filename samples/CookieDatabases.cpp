@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "app/Browsers.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 #include "samples/BinaryCookieWriter.h"
 #include "storage/Sqlite.h"
 

@@ -9,7 +9,7 @@
 #include "platform/BinaryCookies.h"
 #include "platform/Text.h"
 #include "samples/SampleStores.h"
-#include "storage/SqlText.h"
+#include "storage/RunStatement.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {

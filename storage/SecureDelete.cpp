@@ -9,8 +9,6 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
-#include "platform/FileManager.h"
-
 namespace tasselby {
 namespace {
 
@@ -70,24 +68,23 @@ bool wipeFile(const std::string& path) {
 
 }  // namespace
 
-bool SecureDelete::wipe(const std::string& path) {
-  if (!FileManager::fileExistsAtPath(path)) {
+bool SecureDelete::wipe(const FileManager& files, const std::string& path) {
+  if (!files.fileExistsAtPath(path)) {
     return true;
   }
-  if (!FileManager::isFolderAtPath(path)) {
+  if (!files.isFolderAtPath(path)) {
     return wipeFile(path);
   }
   // Deliberate: the test is on the folder and not on the item, so the walk visits everything and
   // overwrites nothing. What is in a folder is removed without being overwritten.
-  return FileManager::enumerateDeep(path, [&path](const std::string& item) {
-    const bool overwrite =
-        FileManager::fileExistsAtPath(path) && !FileManager::isFolderAtPath(path);
-    return !overwrite || wipeContentsofDir(item);
+  return files.enumerateDeep(path, [&files, &path](const std::string& item) {
+    const bool overwrite = files.fileExistsAtPath(path) && !files.isFolderAtPath(path);
+    return !overwrite || wipeContentsofDir(files, item);
   });
 }
 
-bool SecureDelete::wipeContentsofDir(const std::string& path) {
-  return !FileManager::fileExistsAtPath(path) || wipeFile(path);
+bool SecureDelete::wipeContentsofDir(const FileManager& files, const std::string& path) {
+  return !files.fileExistsAtPath(path) || wipeFile(path);
 }
 
 bool SecureDelete::wipe_phase(const std::string& path, std::int32_t phase) {

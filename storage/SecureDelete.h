@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/FileManager.h"
+
 namespace tasselby {
 
 /// Overwrites files in place, so that what they held is not left readable on the disk. Removes
@@ -15,10 +17,10 @@ class SecureDelete {
   /// Overwrites the file at `path` three times. A folder is walked and nothing in it is written.
   /// Links are followed. Answers true for a folder and where nothing exists; false as soon as a
   /// pass fails.
-  static bool wipe(const std::string& path);
+  static bool wipe(const FileManager& files, const std::string& path);
 
   /// Despite its name, overwrites the one file at `path` three times, as `wipe` does for a file.
-  static bool wipeContentsofDir(const std::string& path);
+  static bool wipeContentsofDir(const FileManager& files, const std::string& path);
 
   /// One pass over the file at `path`: every byte 0x55 in phase 1, 0xAA in phase 2, random and
   /// never 0xFF in phase 3. The low 32 bits of the file's size are covered. Answers false when the

@@ -7,8 +7,6 @@
 #include <thread>
 #include <utility>
 
-#include "platform/FileManager.h"
-
 namespace tasselby {
 namespace {
 
@@ -242,8 +240,8 @@ bool Sqlite::prepareAndBind(const std::string& sql, const Arguments& arguments,
   return true;
 }
 
-bool openIfThere(Sqlite& database, const std::string& path) {
-  return FileManager::fileExistsAtPath(path) && database.open(path);
+bool openIfThere(const FileManager& files, Sqlite& database, const std::string& path) {
+  return files.fileExistsAtPath(path) && database.open(path);
 }
 
 }  // namespace tasselby

@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/FileManager.h"
 #include "storage/Row.h"
 #include "storage/SqliteGuard.h"
 
@@ -168,6 +169,6 @@ class Sqlite {
 
 /// Opens `path` with `database` if something is there, and answers whether that succeeded. Creates
 /// no file.
-bool openIfThere(Sqlite& database, const std::string& path);
+bool openIfThere(const FileManager& files, Sqlite& database, const std::string& path);
 
 }  // namespace tasselby

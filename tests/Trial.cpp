@@ -110,7 +110,7 @@ void Trial::expectSound(const std::string& label) const {
       continue;
     }
     if (path.ends_with(".binarycookies")) {
-      const std::string bytes = FileManager::contentsOfFile(path, 1 << 20).value_or("");
+      const std::string bytes = FileManager("").contentsOfFile(path, 1 << 20).value_or("");
       EXPECT_TRUE(parseBinaryCookies(bytes).parsedWholly) << label << ": " << path;
     } else {
       EXPECT_TRUE(isSoundDatabase(path)) << label << ": " << path;

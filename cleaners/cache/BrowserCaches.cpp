@@ -5,7 +5,7 @@
 
 #include "app/Browsers.h"
 #include "app/WorkerAppDelegate.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 #include "storage/Disposal.h"
 
 namespace tasselby {
@@ -19,7 +19,7 @@ constexpr const char* kPepperCache = "Pepper Data/Shockwave Flash/CacheWritableA
 void WorkerAppDelegate::removeBrowserCache(const std::string& browser) {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
   const auto disposeOf = [this, secure](const char* path) {
-    dispose(platform_.files.expandTilde(path), secure);
+    dispose(platform_.files, platform_.files.expandTilde(path), secure);
   };
 
   // Deliberate: "WebKit" is no Safari here.
@@ -44,13 +44,13 @@ void WorkerAppDelegate::removeBrowserCache(const std::string& browser) {
 void WorkerAppDelegate::clearFireFoxCache() {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
   const std::string profiles = platform_.files.expandTilde(kFirefoxCaches);
-  for (const std::string& name : FileManager::contentsOfDirectoryAtPath(profiles)) {
+  for (const std::string& name : platform_.files.contentsOfDirectoryAtPath(profiles)) {
     const std::string profile = join(profiles, name);
-    if (!FileManager::hasFolderType(profile)) {
+    if (!platform_.files.hasFolderType(profile)) {
       continue;
     }
     for (const char* cache : {"Cache", "OfflineCache", "startupCache"}) {
-      dispose(join(profile, cache), secure);
+      dispose(platform_.files, join(profile, cache), secure);
     }
   }
 }
@@ -64,17 +64,17 @@ void WorkerAppDelegate::clearChromeCache(const std::string& browser) {
   const std::string caches = platform_.files.expandTilde(cacheRoot(browser));
   const std::string data = platform_.files.expandTilde(dataRoot(browser));
   if (browser == "Opera") {
-    dispose(join(data, "GPUCache"), secure);
+    dispose(platform_.files, join(data, "GPUCache"), secure);
   }
   for (const std::string& folder : folders) {
     const std::string applicationCache = join(join(data, folder), "Application Cache");
     // Deliberate: the texts run together, so that Google Chrome's is in "ChromePepper Data"; one
     // path for every profile.
-    dispose(data + kPepperCache, secure);
-    dispose(join(caches, folder), secure);
-    dispose(applicationCache, secure);
+    dispose(platform_.files, data + kPepperCache, secure);
+    dispose(platform_.files, join(caches, folder), secure);
+    dispose(platform_.files, applicationCache, secure);
     // Deliberate: inside the application cache, not beside it.
-    dispose(join(applicationCache, "GPUCache"), secure);
+    dispose(platform_.files, join(applicationCache, "GPUCache"), secure);
   }
 }
 

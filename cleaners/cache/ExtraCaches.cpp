@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/WorkerAppDelegate.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 #include "storage/Disposal.h"
 
 namespace tasselby {
@@ -17,24 +17,24 @@ constexpr int kLevels = 4;
 
 /// Calls `visit` with path and name of every folder exactly `levels` listings below `path`.
 /// Links are no folders.
-void visitFolders(const std::string& path, int levels,
+void visitFolders(const FileManager& files, const std::string& path, int levels,
                   const std::function<void(const std::string&, const std::string&)>& visit) {
-  for (const std::string& name : FileManager::contentsOfDirectoryAtPath(path)) {
+  for (const std::string& name : files.contentsOfDirectoryAtPath(path)) {
     const std::string entry = join(path, name);
-    if (!FileManager::hasFolderType(entry)) {
+    if (!files.hasFolderType(entry)) {
       continue;
     }
     if (levels > 1) {
-      visitFolders(entry, levels - 1, visit);
+      visitFolders(files, entry, levels - 1, visit);
     } else {
       visit(entry, name);
     }
   }
 }
 
-void disposeIfThere(const std::string& path, bool secure) {
-  if (FileManager::fileExistsAtPath(path)) {
-    dispose(path, secure);
+void disposeIfThere(const FileManager& files, const std::string& path, bool secure) {
+  if (files.fileExistsAtPath(path)) {
+    dispose(files, path, secure);
   }
 }
 
@@ -42,24 +42,26 @@ void disposeIfThere(const std::string& path, bool secure) {
 
 void WorkerAppDelegate::clearExtraCache() {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
-  const std::string folders = platform_.files.onVolume(kTemporaryFolders);
-  visitFolders(folders, kLevels, [secure](const std::string& path, const std::string& name) {
-    if (name == "MediaCache") {
-      // Deliberate: whichever application's it is.
-      dispose(path, secure);
-    } else if (name == "com.apple.Safari") {
-      disposeIfThere(join(path, "ApplicationCache.db"), secure);
-    } else if (name == "com.apple.WebKit.WebContent+com.apple.Safari" ||
-               name == "com.apple.WebProcess+com.apple.Safari") {
-      disposeIfThere(join(path, "MediaCache"), secure);
-    }
-  });
+  const FileManager& files = platform_.files;
+  const std::string folders = files.onVolume(kTemporaryFolders);
+  visitFolders(files, folders, kLevels,
+               [&files, secure](const std::string& path, const std::string& name) {
+                 if (name == "MediaCache") {
+                   // Deliberate: whichever application's it is.
+                   dispose(files, path, secure);
+                 } else if (name == "com.apple.Safari") {
+                   disposeIfThere(files, join(path, "ApplicationCache.db"), secure);
+                 } else if (name == "com.apple.WebKit.WebContent+com.apple.Safari" ||
+                            name == "com.apple.WebProcess+com.apple.Safari") {
+                   disposeIfThere(files, join(path, "MediaCache"), secure);
+                 }
+               });
 }
 
 void WorkerAppDelegate::clearExtraCookieCache() {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
   for (const char* path : {"~/Library/Cookies/Cookies.plist", "~/Library/Cookies/HSTS.plist"}) {
-    dispose(platform_.files.expandTilde(path), secure);
+    dispose(platform_.files, platform_.files.expandTilde(path), secure);
   }
 }
 

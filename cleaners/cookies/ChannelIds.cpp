@@ -5,8 +5,8 @@
 
 #include "app/Browsers.h"
 #include "app/WorkerAppDelegate.h"
-#include "platform/Text.h"
-#include "storage/SqlText.h"
+#include "platform/Paths.h"
+#include "storage/RunStatement.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -20,11 +20,11 @@ void WorkerAppDelegate::deleteChromeChannelID_keep(const std::string& browser,
   for (const std::string& folder : profileFolders(browser)) {
     const std::string path = join(join(data, folder), "Origin Bound Certs");
     Sqlite database;
-    if (openIfThere(database, path)) {
+    if (openIfThere(platform_.files, database, path)) {
       // Deliberate: only an origin that is a kept site to the letter stays, and with nothing kept
       // only the empty one.
-      executeListStatement(database, "DELETE FROM origin_bound_certs WHERE origin NOT IN ('%@');",
-                           keepList.sites());
+      runListStatement(database, "DELETE FROM origin_bound_certs WHERE origin NOT IN ('%@');",
+                       keepList.sites());
     }
   }
 }

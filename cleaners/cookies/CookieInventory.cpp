@@ -13,7 +13,7 @@
 #include "cleaners/cookies/CookieStores.h"
 #include "cleaners/cookies/TrackingNames.h"
 #include "keep/WorkerExtras.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -22,8 +22,9 @@ namespace {
 /// Collects the records that have to go and counts them.
 class Inventory {
  public:
-  Inventory(const std::vector<std::string>& catalogue, const KeepList& keepList)
-      : tracking_(catalogue), keepList_(keepList) {}
+  Inventory(const FileManager& files, const std::vector<std::string>& catalogue,
+            const KeepList& keepList)
+      : files_(files), tracking_(catalogue), keepList_(keepList) {}
 
   /// Takes in `record`. One whose host is no site is neither counted nor removed.
   void classify(CookieRecord record, const std::string& host, std::string_view name) {
@@ -45,7 +46,7 @@ class Inventory {
   /// Takes in every row of the database at `path`, if it can be read.
   void classifyDatabase(const std::string& path, const CookieStore& store) {
     Sqlite database;
-    if (!openIfThere(database, path)) {
+    if (!openIfThere(files_, database, path)) {
       return;
     }
     for (Row& row : database.executeQuery(store.select).value_or(RowList{})) {
@@ -62,6 +63,7 @@ class Inventory {
   CookieInventory finish();
 
  private:
+  const FileManager& files_;
   TrackingNames tracking_;
   const KeepList& keepList_;
   CookieInventory result_;
@@ -108,8 +110,8 @@ CookieInventory Inventory::finish() {
 
 CookieInventory WorkerAppDelegate::cookies_keepCookies(const std::string& browser,
                                                        const KeepList& keepList) const {
-  Inventory inventory(defaultTrackingCookies(), keepList);
   const FileManager& files = platform_.files;
+  Inventory inventory(files, defaultTrackingCookies(), keepList);
   // Deliberate: "WebKit" has no store here.
   if (browser == "Safari") {
     for (const HTTPCookie& cookie : platform_.cookieStorage.cookies()) {

@@ -8,8 +8,8 @@
 #include "app/Browsers.h"
 #include "app/WorkerAppDelegate.h"
 #include "cleaners/cookies/CookieStores.h"
-#include "platform/Text.h"
-#include "storage/SqlText.h"
+#include "platform/Paths.h"
+#include "storage/RunStatement.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -22,8 +22,7 @@ void deleteRow(Sqlite& database, const CookieStore& store, const CookieRecord& r
   const std::string* host = row.text(store.hostColumn);
   const std::string* identifier = row.text(store.identifyingColumn);
   if (host != nullptr && identifier != nullptr) {
-    database.executeQuery(
-        formatted(store.deleteFormat, {doubledQuotes(*host), doubledQuotes(*identifier)}));
+    runStatement(database, store.deleteFormat, {*host, *identifier});
   }
 }
 
@@ -31,9 +30,10 @@ void deleteRow(Sqlite& database, const CookieStore& store, const CookieRecord& r
 ///
 /// Deliberate: from every profile's database, since a record does not remember its own. A row of
 /// another profile with the same host and number goes too.
-void deleteMozillaRows(const std::string& path, const std::vector<CookieRecord>& records) {
+void deleteMozillaRows(const FileManager& files, const std::string& path,
+                       const std::vector<CookieRecord>& records) {
   Sqlite database;
-  if (!openIfThere(database, path)) {
+  if (!openIfThere(files, database, path)) {
     return;
   }
   for (const CookieRecord& record : records) {
@@ -43,14 +43,15 @@ void deleteMozillaRows(const std::string& path, const std::vector<CookieRecord>&
 
 /// Deliberate: every record gets a connection of its own. A lock that another program holds for a
 /// while costs only the records tried in that while.
-void deleteChromiumRows(const std::string& path, const std::vector<CookieRecord>& records) {
+void deleteChromiumRows(const FileManager& files, const std::string& path,
+                        const std::vector<CookieRecord>& records) {
   // A list of profiles may be long, and most of it stale: each of those costs one look.
-  if (!FileManager::fileExistsAtPath(path)) {
+  if (!files.fileExistsAtPath(path)) {
     return;
   }
   Sqlite database;
   for (const CookieRecord& record : records) {
-    if (openIfThere(database, path)) {
+    if (openIfThere(files, database, path)) {
       deleteRow(database, kChromiumCookies, record);
     }
   }
@@ -67,16 +68,17 @@ CookieCounts WorkerAppDelegate::removeCookies_keepCookies(const std::string& bro
     deleteSafariCookies(records);
   } else if (browser == "Firefox") {
     for (const std::string& path : firefoxDatabases(files, kMozillaCookies.fileName)) {
-      deleteMozillaRows(path, records);
+      deleteMozillaRows(files, path, records);
     }
   } else if (browser == "Camino") {
-    deleteMozillaRows(join(files.expandTilde(kCaminoData), kMozillaCookies.fileName), records);
+    deleteMozillaRows(files, join(files.expandTilde(kCaminoData), kMozillaCookies.fileName),
+                      records);
   } else if (isChromiumLike(browser)) {
     const std::vector<std::string> folders = profileFolders(browser);
     deleteChromeChannelID_keep(browser, keepList);
     const std::string data = files.expandTilde(dataRoot(browser));
     for (const std::string& folder : folders) {
-      deleteChromiumRows(join(join(data, folder), kChromiumCookies.fileName), records);
+      deleteChromiumRows(files, join(join(data, folder), kChromiumCookies.fileName), records);
     }
   }
   return {inventory.cookieCount, inventory.trackingCount};

@@ -1,14 +1,13 @@
 #include "cleaners/plugins/FlashNames.h"
 
-#include "platform/FileManager.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 
 namespace tasselby {
 
-void visitFlashSettings(const std::string& folder,
+void visitFlashSettings(const FileManager& files, const std::string& folder,
                         const std::function<void(const std::string& host, const std::string& entry,
                                                  FlashEntry kind)>& visit) {
-  for (const std::string& entry : FileManager::contentsOfDirectoryAtPath(folder)) {
+  for (const std::string& entry : files.contentsOfDirectoryAtPath(folder)) {
     if (!entry.starts_with("#")) {
       continue;
     }
@@ -16,7 +15,7 @@ void visitFlashSettings(const std::string& folder,
       visit(flashHost(entry.substr(1)), entry, FlashEntry::kHost);
       continue;
     }
-    for (const std::string& name : FileManager::contentsOfDirectoryAtPath(join(folder, entry))) {
+    for (const std::string& name : files.contentsOfDirectoryAtPath(join(folder, entry))) {
       visit(flashHost(name), join(entry, name), FlashEntry::kInGroup);
     }
   }

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "platform/FileManager.h"
+
 namespace tasselby {
 
 /// The folder named after the Flash player's maker, which holds the player's settings by host.
@@ -22,7 +24,7 @@ enum class FlashEntry { kHost, kInGroup };
 /// Calls `visit` for every host in the settings folder at `folder` with the host, and with the
 /// path of its entry below `folder`: an entry "#HOST", or an entry "##NAME/HOST" in a group. The
 /// player's own "settings.sol" has no host, nor has anything without a "#".
-void visitFlashSettings(const std::string& folder,
+void visitFlashSettings(const FileManager& files, const std::string& folder,
                         const std::function<void(const std::string& host, const std::string& entry,
                                                  FlashEntry kind)>& visit);
 

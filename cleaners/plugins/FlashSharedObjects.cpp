@@ -8,7 +8,7 @@
 #include "app/WorkerAppDelegate.h"
 #include "cleaners/plugins/FlashNames.h"
 #include "keep/WorkerExtras.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 #include "storage/Disposal.h"
 
 namespace tasselby {
@@ -28,10 +28,9 @@ std::int64_t WorkerAppDelegate::removeFlash_keep(const std::string& browser,
 
   const std::string sharedObjects = kSharedObjects;
   for (const std::string& random :
-       FileManager::contentsOfDirectoryAtPath(files.expandTilde(sharedObjects))) {
+       files.contentsOfDirectoryAtPath(files.expandTilde(sharedObjects))) {
     const std::string folder = join(sharedObjects, random);
-    for (const std::string& name :
-         FileManager::contentsOfDirectoryAtPath(files.expandTilde(folder))) {
+    for (const std::string& name : files.contentsOfDirectoryAtPath(files.expandTilde(folder))) {
       // Deliberate: here the settings domain is a host like any other.
       const std::string host = flashHost(name);
       if (name.starts_with(".") || keepList.contains(WorkerExtras::siteWithDomainName(host))) {
@@ -40,22 +39,23 @@ std::int64_t WorkerAppDelegate::removeFlash_keep(const std::string& browser,
       removed.insert(host);
       // Deliberate: the "~" is not expanded, so what goes is below a folder of that name in the
       // current folder, and the objects in the home folder stay. They count all the same.
-      dispose(join(folder, name), secure);
+      dispose(files, join(folder, name), secure);
     }
   }
 
   const std::string settings = join(kPlayer, kFlashSettings);
-  visitFlashSettings(files.expandTilde(settings), [&](const std::string& host,
-                                                      const std::string& entry, FlashEntry kind) {
-    if (keepList.contains(WorkerExtras::siteWithDomainName(host))) {
-      return;
-    }
-    removed.insert(host);
-    // Deliberate: only a host's own entry is removed from the home folder, and even that is wiped
-    // at the path that is not expanded, so never overwritten.
-    const std::string path = join(settings, entry);
-    dispose(path, kind == FlashEntry::kHost ? files.expandTilde(path) : path, secure);
-  });
+  visitFlashSettings(files, files.expandTilde(settings),
+                     [&](const std::string& host, const std::string& entry, FlashEntry kind) {
+                       if (keepList.contains(WorkerExtras::siteWithDomainName(host))) {
+                         return;
+                       }
+                       removed.insert(host);
+                       // Deliberate: only a host's own entry is removed from the home folder, and
+                       // even that is wiped at the path that is not expanded, so never overwritten.
+                       const std::string path = join(settings, entry);
+                       dispose(files, path,
+                               kind == FlashEntry::kHost ? files.expandTilde(path) : path, secure);
+                     });
 
   auto count = static_cast<std::int64_t>(removed.size());
   if (const std::optional<PepperFlashCounts> pepper = clearChromeFlash_keep(browser, keepList)) {

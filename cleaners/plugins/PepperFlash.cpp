@@ -10,7 +10,7 @@
 #include "app/WorkerAppDelegate.h"
 #include "cleaners/plugins/FlashNames.h"
 #include "keep/WorkerExtras.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 #include "storage/Disposal.h"
 
 namespace tasselby {
@@ -22,14 +22,13 @@ using Visit = std::function<void(const std::string& host, const std::string& pat
 
 /// Calls `visit` for every host in the folder with a random name at `folder`, with the path of its
 /// objects or of its settings.
-void visitHosts(const std::string& folder, const Visit& visit) {
-  for (const std::string& name : FileManager::contentsOfDirectoryAtPath(folder)) {
+void visitHosts(const FileManager& files, const std::string& folder, const Visit& visit) {
+  for (const std::string& name : files.contentsOfDirectoryAtPath(folder)) {
     if (name == kFlashSettingsDomain) {
       const std::string settings = join(folder, kFlashSettings);
-      visitFlashSettings(
-          settings, [&](const std::string& host, const std::string& entry, FlashEntry /*kind*/) {
-            visit(host, join(settings, entry));
-          });
+      visitFlashSettings(files, settings,
+                         [&](const std::string& host, const std::string& entry,
+                             FlashEntry /*kind*/) { visit(host, join(settings, entry)); });
     } else if (!name.starts_with(".")) {
       visit(flashHost(name), join(folder, name));
     }
@@ -46,19 +45,20 @@ std::optional<PepperFlashCounts> WorkerAppDelegate::clearChromeFlash_keep(
   }
   std::set<std::string> seen;
   std::set<std::string> removed;
-  const std::string data = platform_.files.expandTilde(dataRoot(browser));
+  const FileManager& files = platform_.files;
+  const std::string data = files.expandTilde(dataRoot(browser));
   for (const std::string& profile : profileFolders(browser)) {
     const auto judge = [&](const std::string& host, const std::string& path) {
       const std::string pair = std::string(profile).append(":").append(host);
       seen.insert(pair);
       if (!keepList.contains(WorkerExtras::siteWithDomainName(host))) {
         removed.insert(pair);
-        dispose(path, secure);
+        dispose(files, path, secure);
       }
     };
     const std::string store = join(data, profile) + kStore;
-    for (const std::string& random : FileManager::contentsOfDirectoryAtPath(store)) {
-      visitHosts(join(store, random), judge);
+    for (const std::string& random : files.contentsOfDirectoryAtPath(store)) {
+      visitHosts(files, join(store, random), judge);
     }
   }
   return PepperFlashCounts{static_cast<std::int32_t>(seen.size()),

@@ -16,8 +16,8 @@
 #include "app/WorkerAppDelegate.h"
 #include "keep/WorkerExtras.h"
 #include "platform/HardError.h"
+#include "platform/Paths.h"
 #include "platform/RemoveTree.h"
-#include "platform/Text.h"
 #include "storage/Disposal.h"
 #include "storage/SecureDelete.h"
 
@@ -37,14 +37,14 @@ constexpr std::chrono::milliseconds kMoment(100);
 
 /// Calls `visit` with the path of every entry exactly `levels` listings below `path`, hidden ones
 /// and what is below them left out.
-void visitEntries(const std::string& path, int levels,
+void visitEntries(const FileManager& files, const std::string& path, int levels,
                   const std::function<void(const std::string&)>& visit) {
-  for (const std::string& name : FileManager::contentsOfDirectoryAtPath(path)) {
+  for (const std::string& name : files.contentsOfDirectoryAtPath(path)) {
     if (name.starts_with(".")) {
       continue;
     }
     if (levels > 1) {
-      visitEntries(join(path, name), levels - 1, visit);
+      visitEntries(files, join(path, name), levels - 1, visit);
     } else {
       visit(join(path, name));
     }
@@ -59,8 +59,8 @@ std::string asideOf(const std::string& path) {
 }
 
 /// The site of the store at `store`; no value when the store is gone.
-std::optional<std::string> siteOf(const std::string& store) {
-  std::optional<std::string> identity = FileManager::textOfFile(join(store, kIdentity));
+std::optional<std::string> siteOf(const FileManager& files, const std::string& store) {
+  std::optional<std::string> identity = files.textOfFile(join(store, kIdentity));
   for (bool again : {true, false}) {
     std::error_code ignored;
     if (!identity && !std::filesystem::exists(std::filesystem::symlink_status(store, ignored))) {
@@ -69,7 +69,7 @@ std::optional<std::string> siteOf(const std::string& store) {
     }
     if (!identity && again) {
       std::this_thread::sleep_for(kMoment);
-      identity = FileManager::textOfFile(join(store, kIdentity));
+      identity = files.textOfFile(join(store, kIdentity));
     }
   }
   std::optional<std::string> site = WorkerExtras::siteWithDomainName(identity);
@@ -84,15 +84,17 @@ std::optional<std::string> siteOf(const std::string& store) {
 /// or not at all: a run that finds one without would end at it.
 class Removal {
  public:
-  Removal(std::string plugIn, bool secure) : plugIn_(std::move(plugIn)), secure_(secure) {
+  Removal(const FileManager& files, std::string plugIn, bool secure)
+      : files_(files), plugIn_(std::move(plugIn)), secure_(secure) {
     // What a run that was cut off has left.
-    dispose(asideOf(plugIn_), secure_);
+    dispose(files_, asideOf(plugIn_), secure_);
   }
 
   /// Empties `store`, and sets aside what names it and its group. With anything else left in it the
   /// store stays one.
   void begin(const std::string& store) const {
-    if ((!secure_ || SecureDelete::wipe(store)) && emptyFolder(store, {kGroup, kIdentity})) {
+    if ((!secure_ || SecureDelete::wipe(files_, store)) &&
+        emptyFolder(store, {kGroup, kIdentity})) {
       std::rename(store.c_str(), asideOf(store).c_str());
     }
   }
@@ -103,45 +105,47 @@ class Removal {
               const std::string& aside) const {
     // Without a group name nothing is disposed of; one that leads out of "g" is none.
     if (group && staysBelow(*group)) {
-      dispose(join(join(folder, "g"), *group), secure_);
+      dispose(files_, join(join(folder, "g"), *group), secure_);
     }
     // Deliberate: after every store, and everything of the plug-in goes, other folders with kept
     // stores included.
-    if (std::ranges::all_of(FileManager::contentsOfDirectoryAtPath(join(folder, "s")),
+    if (std::ranges::all_of(files_.contentsOfDirectoryAtPath(join(folder, "s")),
                             [](const std::string& name) { return name.starts_with(kAside); })) {
       std::rename(plugIn_.c_str(), asideOf(plugIn_).c_str());
-      dispose(plugIn_, secure_);
-      dispose(asideOf(plugIn_), secure_);
+      dispose(files_, plugIn_, secure_);
+      dispose(files_, asideOf(plugIn_), secure_);
     }
-    dispose(aside, secure_);
+    dispose(files_, aside, secure_);
   }
 
  private:
+  const FileManager& files_;
   std::string plugIn_;
   bool secure_;
 };
 
-std::optional<std::string> groupOf(const std::string& store) {
-  return FileManager::textOfFile(join(store, kGroup));
+std::optional<std::string> groupOf(const FileManager& files, const std::string& store) {
+  return files.textOfFile(join(store, kGroup));
 }
 
 }  // namespace
 
 std::int64_t WorkerAppDelegate::removeSilverlight(const KeepList& keepList) {
-  const std::string plugIn = platform_.files.expandTilde(kPlugIn);
-  const Removal removal(plugIn, platform_.userDefaults.boolForKey("secureDeleteData"));
+  const FileManager& files = platform_.files;
+  const std::string plugIn = files.expandTilde(kPlugIn);
+  const Removal removal(files, plugIn, platform_.userDefaults.boolForKey("secureDeleteData"));
   std::set<std::string> removed;
-  visitEntries(join(plugIn, "is"), kLevels, [&](const std::string& folder) {
-    for (const std::string& name : FileManager::contentsOfDirectoryAtPath(join(folder, "s"))) {
+  visitEntries(files, join(plugIn, "is"), kLevels, [&](const std::string& folder) {
+    for (const std::string& name : files.contentsOfDirectoryAtPath(join(folder, "s"))) {
       const std::string store = join(join(folder, "s"), name);
       if (name.starts_with(kAside)) {
-        removal.finish(folder, groupOf(store), store);
+        removal.finish(folder, groupOf(files, store), store);
       }
       if (name.starts_with(".")) {
         continue;
       }
-      const std::optional<std::string> group = groupOf(store);
-      const std::optional<std::string> site = siteOf(store);
+      const std::optional<std::string> group = groupOf(files, store);
+      const std::optional<std::string> site = siteOf(files, store);
       if (site && !keepList.contains(site)) {
         removed.insert(*site);
         removal.begin(store);

@@ -8,9 +8,9 @@
 
 #include "app/Browsers.h"
 #include "app/WorkerAppDelegate.h"
-#include "platform/Text.h"
+#include "platform/Paths.h"
 #include "storage/Disposal.h"
-#include "storage/SqlText.h"
+#include "storage/RunStatement.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -27,21 +27,17 @@ constexpr const char* kDeleteScopes = "DELETE FROM webappsstore2 WHERE scope IN 
 
 /// What every step of a sweep needs. Each step answers how many items it chose.
 struct Sweep {
+  const FileManager& files;
   const KeepList& keepList;
   bool secure;
 };
 
-std::string withoutExtension(const std::string& name) {
-  const std::size_t dot = name.rfind('.');
-  return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
-}
-
 /// Disposes of the items of `folder` that an index names. An index is somebody's data: a name that
 /// leads out of the folder is passed over.
-void disposeOfOrigins(const std::string& folder, const Names& origins, bool secure) {
+void disposeOfOrigins(const Sweep& sweep, const std::string& folder, const Names& origins) {
   for (const std::string& origin : origins) {
     if (staysBelow(origin)) {
-      dispose(join(folder, origin), secure);
+      dispose(sweep.files, join(folder, origin), sweep.secure);
     }
   }
 }
@@ -65,33 +61,33 @@ Names chosenOrigins(const Sweep& sweep, Sqlite& index) {
 
 std::int64_t sweepSafariDatabases(const Sweep& sweep, const std::string& folder) {
   Sqlite index;
-  if (!openIfThere(index, join(folder, "Databases.db"))) {
+  if (!openIfThere(sweep.files, index, join(folder, "Databases.db"))) {
     return 0;
   }
   const Names chosen = chosenOrigins(sweep, index);
   // Deliberate: the files before two tables, where Chromium has its one table before the files.
-  disposeOfOrigins(folder, chosen, sweep.secure);
-  executeListStatement(index, kDeleteDatabases, chosen);
-  executeListStatement(index, kDeleteOrigins, chosen);
+  disposeOfOrigins(sweep, folder, chosen);
+  runListStatement(index, kDeleteDatabases, chosen);
+  runListStatement(index, kDeleteOrigins, chosen);
   return countOf(chosen);
 }
 
 std::int64_t sweepChromiumDatabases(const Sweep& sweep, const std::string& folder) {
   Sqlite index;
-  if (!openIfThere(index, join(folder, "Databases.db"))) {
+  if (!openIfThere(sweep.files, index, join(folder, "Databases.db"))) {
     return 0;
   }
   const Names chosen = chosenOrigins(sweep, index);
-  executeListStatement(index, kDeleteDatabases, chosen);
-  disposeOfOrigins(folder, chosen, sweep.secure);
+  runListStatement(index, kDeleteDatabases, chosen);
+  disposeOfOrigins(sweep, folder, chosen);
   return countOf(chosen);
 }
 
 std::int64_t sweepSafariFiles(const Sweep& sweep, const std::string& folder) {
   const Names chosen = WorkerAppDelegate::localStorageArray_browser_keep(
-      FileManager::contentsOfDirectoryAtPath(folder), "Safari", sweep.keepList);
+      sweep.files.contentsOfDirectoryAtPath(folder), "Safari", sweep.keepList);
   for (const std::string& name : chosen) {
-    dispose(join(folder, name), sweep.secure);
+    dispose(sweep.files, join(folder, name), sweep.secure);
   }
   return countOf(chosen);
 }
@@ -99,11 +95,11 @@ std::int64_t sweepSafariFiles(const Sweep& sweep, const std::string& folder) {
 std::int64_t sweepChromiumFiles(const Sweep& sweep, const std::string& folder,
                                 const std::string& browser) {
   const Names chosen = WorkerAppDelegate::localStorageArray_browser_keep(
-      FileManager::contentsOfDirectoryAtPath(folder), browser, sweep.keepList);
+      sweep.files.contentsOfDirectoryAtPath(folder), browser, sweep.keepList);
   for (const std::string& name : chosen) {
     const std::string path = join(folder, name);
-    dispose(path, sweep.secure);
-    dispose(path + "-journal", sweep.secure);
+    dispose(sweep.files, path, sweep.secure);
+    dispose(sweep.files, path + "-journal", sweep.secure);
   }
   return countOf(chosen);
 }
@@ -112,27 +108,27 @@ std::int64_t sweepChromiumFiles(const Sweep& sweep, const std::string& folder,
 ///
 /// Deliberate: by naming what is left, not what was removed. A row goes whenever its file is
 /// missing for any reason, and stays with a file that could not be wiped.
-void pruneTracker(const std::string& folder) {
+void pruneTracker(const FileManager& files, const std::string& folder) {
   Sqlite tracker;
-  if (!openIfThere(tracker, join(folder, kTracker))) {
+  if (!openIfThere(files, tracker, join(folder, kTracker))) {
     return;
   }
-  Names left = FileManager::contentsOfDirectoryAtPath(folder);
+  Names left = files.contentsOfDirectoryAtPath(folder);
   // Deliberate: a listing without the tracker itself is none. The folder could not be read just
   // now, and no row goes for that.
   if (std::ranges::find(left, kTracker) == left.end()) {
     return;
   }
   for (std::string& name : left) {
-    name = withoutExtension(name);
+    name.resize(withoutExtension(name).size());
   }
-  executeListStatement(tracker, kDeleteOtherOrigins, left);
+  runListStatement(tracker, kDeleteOtherOrigins, left);
 }
 
 /// Sweeps one "webappsstore.sqlite", whose scopes join those already in `scopes`.
 std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& scopes) {
   Sqlite store;
-  if (!openIfThere(store, path)) {
+  if (!openIfThere(sweep.files, store, path)) {
     return 0;
   }
   for (const Row& row : store.executeQuery("SELECT * FROM webappsstore2;").value_or(RowList{})) {
@@ -141,7 +137,7 @@ std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& sco
     }
   }
   const Names chosen = WorkerAppDelegate::mozillaLocalStorage_keep(scopes, sweep.keepList);
-  executeListStatement(store, kDeleteScopes, chosen);
+  runListStatement(store, kDeleteScopes, chosen);
   return countOf(chosen);
 }
 
@@ -149,14 +145,14 @@ std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& sco
 
 std::int64_t WorkerAppDelegate::removeNonFavLocalStorage_keep(const std::string& browser,
                                                               const KeepList& keepList) {
-  const Sweep sweep{keepList, platform_.userDefaults.boolForKey("secureDeleteData")};
   const FileManager& files = platform_.files;
+  const Sweep sweep{files, keepList, platform_.userDefaults.boolForKey("secureDeleteData")};
   std::int64_t count = 0;
   if (browser == "Safari") {
     count += sweepSafariDatabases(sweep, files.expandTilde("~/Library/Safari/Databases"));
     const std::string localStorage = files.expandTilde("~/Library/Safari/LocalStorage");
     count += sweepSafariFiles(sweep, localStorage);
-    pruneTracker(localStorage);
+    pruneTracker(files, localStorage);
   } else if (isChromiumLike(browser)) {
     for (const std::string& folder : profileFolders(browser)) {
       const std::string profile = join(files.expandTilde(dataRoot(browser)), folder);

@@ -3,6 +3,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include "platform/Process.h"
 #include "platform/macos/MacPlatform.h"
 
 namespace {
@@ -72,7 +73,7 @@ tasselby::DelegateFactory delegateFactory = nullptr;
 namespace tasselby {
 
 int macApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) {
-  FileManager::raiseOpenFileLimit();
+  raiseOpenFileLimit();
   delegateFactory = makeDelegate;
   @autoreleasepool {
     // A browser's name is no document to open; see application:openFile: where it is taken for one.

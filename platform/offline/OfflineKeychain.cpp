@@ -81,9 +81,8 @@ class OfflineKeychain final : public Keychain {
   std::optional<std::string> keychain() const {
     const std::string path = files_.expandTilde(kKeychain);
     // Deliberate: one that is there hides the older one even if it is damaged or no file.
-    return FileManager::contentsOfFile(
-        FileManager::fileExistsAtPath(path) ? path : files_.expandTilde(kOlderKeychain),
-        kSizeLimit);
+    return files_.contentsOfFile(
+        files_.fileExistsAtPath(path) ? path : files_.expandTilde(kOlderKeychain), kSizeLimit);
   }
 
   const FileManager& files_;

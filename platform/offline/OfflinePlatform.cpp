@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/HardError.h"
+#include "platform/Process.h"
 #include "platform/SafariCookies.h"
 
 namespace tasselby {
@@ -54,7 +55,7 @@ std::string homeFolder() {
 }  // namespace
 
 int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) {
-  FileManager::raiseOpenFileLimit();
+  raiseOpenFileLimit();
   const std::vector<std::string> arguments(argv, argv + argc);
   const FileManager files(homeFolder());
   const auto userDefaults = makeOfflineUserDefaults(arguments, files);

@@ -47,7 +47,7 @@ class OfflineUserDefaults final : public UserDefaults {
     while (domains_.size() < names_.size()) {
       const std::string path =
           files_.expandTilde("~/Library/Preferences/" + names_[domains_.size()] + ".plist");
-      domains_.emplace_back(FileManager::contentsOfFile(path, kPropertyListLimit).value_or(""));
+      domains_.emplace_back(files_.contentsOfFile(path, kPropertyListLimit).value_or(""));
     }
   }
 

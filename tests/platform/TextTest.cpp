@@ -2,6 +2,7 @@
 #include <map>
 #include <string>
 
+#include "platform/Paths.h"
 #include "platform/Text.h"
 
 namespace tasselby {
@@ -59,7 +60,7 @@ TEST(Text, FillsPlacesInOrderAndTakesValuesAsTheyAre) {
   EXPECT_EQ(formatted("%@, %@", {"a"}), "a, %@");
 }
 
-TEST(Text, JoinsWithOneSlashAndNeverStartsAnew) {
+TEST(Paths, JoinsWithOneSlashAndNeverStartsAnew) {
   EXPECT_EQ(join("/a", "b"), "/a/b");
   EXPECT_EQ(join("/a/", "/b"), "/a/b");
   EXPECT_EQ(join("/", "b"), "/b");
@@ -67,7 +68,7 @@ TEST(Text, JoinsWithOneSlashAndNeverStartsAnew) {
   EXPECT_EQ(join("/a", "link/"), "/a/link");
 }
 
-TEST(Text, TellsNamesThatLeadOut) {
+TEST(Paths, TellsNamesThatLeadOut) {
   for (const char* name : {"", "a", "/a", "a/b", "...", "..a", "a.."}) {
     EXPECT_TRUE(staysBelow(name)) << name;
   }

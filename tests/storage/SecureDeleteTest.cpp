@@ -49,10 +49,10 @@ TEST(SecureDelete, FailsOnOtherPhasesAndWhatCannotBeOpened) {
   EXPECT_GT(next, free) << "the file stays open";
   ::close(next);
   EXPECT_EQ(home.contents("file"), "kept");
-  EXPECT_TRUE(SecureDelete::wipe(home.path("empty")));
-  EXPECT_FALSE(SecureDelete::wipe(home.path("socket")));
-  EXPECT_FALSE(SecureDelete::wipeContentsofDir(home.home()));
-  EXPECT_TRUE(SecureDelete::wipe(home.path("missing")));
+  EXPECT_TRUE(SecureDelete::wipe(FileManager(""), home.path("empty")));
+  EXPECT_FALSE(SecureDelete::wipe(FileManager(""), home.path("socket")));
+  EXPECT_FALSE(SecureDelete::wipeContentsofDir(FileManager(""), home.home()));
+  EXPECT_TRUE(SecureDelete::wipe(FileManager(""), home.path("missing")));
 }
 
 TEST(SecureDelete, CountsOnlyTheLowHalfOfTheSize) {
@@ -104,14 +104,14 @@ TEST(Disposal, RemovesOnlyWhatCouldBeWiped) {
   std::filesystem::create_hard_link(home.path("folder/inside"), home.path("witness"));
 
   for (const char* name : {"file", "folder", "link", "socket", "missing"}) {
-    dispose(home.path(name), true);
+    dispose(FileManager(""), home.path(name), true);
   }
 
   EXPECT_EQ(home.list(""), (Names{"socket", "target", "witness"}));
   EXPECT_EQ(home.contents("witness"), "as it was") << "nothing in a folder is overwritten";
   EXPECT_EQ(home.contents("target").size(), 6U);
   EXPECT_NE(home.contents("target"), "secret") << "a link's target is overwritten";
-  dispose(home.path("socket"), false);
+  dispose(FileManager(""), home.path("socket"), false);
   EXPECT_FALSE(home.has("socket"));
 }
 

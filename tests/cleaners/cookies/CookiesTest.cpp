@@ -95,7 +95,7 @@ TEST_F(CookiesTest, PrunesChannelIdsByOriginAlsoWithoutCookies) {
   const std::string path = channelIdStore("Opera");
   for (const auto& [kept, left] : std::vector<std::pair<KeepList, Names>>{
            {{"it's malformed"}, origins}, {{"site1", "site2"}, {"site1", "site2"}}, {{}, {""}}}) {
-    FileManager::removeItemAtPath(home.path(path));
+    FileManager("").removeItemAtPath(home.path(path));
     writeChannelIds(home.path(path), origins);
     worker.removeCookies_keepCookies("Opera", kept);
     Names found;

@@ -1,4 +1,6 @@
-#include "storage/SqlText.h"
+#include "storage/RunStatement.h"
+
+#include <algorithm>
 
 #include "platform/Text.h"
 #include "storage/Sqlite.h"
@@ -13,8 +15,13 @@ std::string doubledQuotes(std::string_view text) {
   return doubled;
 }
 
-void executeListStatement(Sqlite& database, const std::string& format,
-                          const std::vector<std::string>& names) {
+void runStatement(Sqlite& database, std::string_view format, std::vector<std::string> values) {
+  std::ranges::transform(values, values.begin(), doubledQuotes);
+  database.executeQuery(formatted(format, values));
+}
+
+void runListStatement(Sqlite& database, std::string_view format,
+                      const std::vector<std::string>& names) {
   std::string list;
   for (const std::string& name : names) {
     // Deliberate: quotes are not doubled here. With a name that would end its text early nothing is
