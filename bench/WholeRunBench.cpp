@@ -24,7 +24,7 @@ constexpr const char* kSelect = "SELECT *";
 void removeByList(const MacHome& home, const std::string& browser) {
   std::map<std::string, Sqlite> databases;
   for (const SampleItem& item : home.items()) {
-    if (std::ranges::count(item.goneFor, browser) == 0) {
+    if (!item.goesFor(browser)) {
       continue;
     }
     const std::string path = home.path(item.path);

@@ -8,8 +8,15 @@ namespace {
 struct Cookie {
   std::string host;
   std::string name;
-  bool gone;
+  /// Whether the site is kept and the cookie no tracking cookie.
+  bool kept = false;
+  /// Whether there is a site at all: without one the cookie stays in every run.
+  bool hasSite = true;
 };
+
+Browsers goneFor(const Cookie& cookie, const std::string& browser) {
+  return cookie.hasSite ? Browsers{browser} : Browsers{};
+}
 
 constexpr const char* kOlderChromium =
     "CREATE TABLE cookies (creation_utc INTEGER NOT NULL UNIQUE PRIMARY KEY, host_key TEXT NOT "
@@ -48,11 +55,11 @@ constexpr const char* kMozillaOfToday =
 std::vector<Cookie> cookiesOf(const MacHome& home) {
   std::vector<Cookie> cookies;
   for (const SampleSite& site : home.sites()) {
-    cookies.push_back({site.host, "session", !site.kept});
-    cookies.push_back({"." + site.host, "__utmz", true});
+    cookies.push_back({site.host, "session", site.kept});
+    cookies.push_back({"." + site.host, "__utmz"});
   }
-  cookies.push_back({"o'neil.example", "theme", true});
-  cookies.push_back({"^internal", "NID", false});
+  cookies.push_back({"o'neil.example", "theme"});
+  cookies.push_back({"^internal", "NID", false, false});
   return cookies;
 }
 
@@ -73,7 +80,7 @@ void addChromiumCookies(MacHome& home, const std::string& browser, const std::st
         id + ", x'763130" + std::to_string(10 + number % 90) + "00ff'" +
         (today ? ");" : ", 0, 1);"));
     home.addItem(browser + " cookies", path, "SELECT * FROM cookies WHERE " + condition,
-                 cookie.gone ? Browsers{browser} : Browsers{});
+                 goneFor(cookie, browser), cookie.kept);
   }
   home.writeDatabase(path, sql);
 }
@@ -92,7 +99,7 @@ void addChannelIds(MacHome& home, const std::string& browser, const std::string&
         std::string(origin) == "example.com" || std::string(origin) == "example.co.uk";
     home.addItem(browser + " channel IDs", path,
                  "SELECT * FROM origin_bound_certs WHERE origin = '" + std::string(origin) + "';",
-                 kept ? Browsers{} : Browsers{browser});
+                 {browser}, kept);
   }
   home.writeDatabase(path, sql);
 }
@@ -114,7 +121,7 @@ void addMozillaCookies(MacHome& home, const std::string& browser, const std::str
         id + ", " + sqlText(cookie.name) + ", 'v" + id + "', " + sqlText(cookie.host) +
         ", '/', 2000000000, 1600000000000000, 1500000000000000, 1, 0);");
     home.addItem(browser + " cookies", path, "SELECT * FROM moz_cookies WHERE id = " + id + ";",
-                 cookie.gone ? Browsers{browser} : Browsers{});
+                 goneFor(cookie, browser), cookie.kept);
   }
   home.writeDatabase(path, sql);
 }
@@ -124,8 +131,8 @@ void addSafariCookies(MacHome& home, const std::string& path) {
   std::vector<SampleCookie> cookies;
   for (const Cookie& cookie : cookiesOf(home)) {
     cookies.push_back({.domain = cookie.host, .name = cookie.name, .value = "v"});
-    home.addItem("Safari cookies", path, cookie.host + " " + cookie.name,
-                 cookie.gone ? Browsers{"Safari"} : Browsers{});
+    home.addItem("Safari cookies", path, cookie.host + " " + cookie.name, goneFor(cookie, "Safari"),
+                 cookie.kept);
   }
   home.writeFile(path, binaryCookieFile(cookies));
 }

@@ -1,16 +1,15 @@
 #include "samples/MacHome.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <random>
+#include <sqlite3.h>
 #include <utility>
 
-#include "platform/BinaryCookies.h"
-#include "platform/Text.h"
 #include "samples/SampleStores.h"
-#include "storage/RunStatement.h"
-#include "storage/Sqlite.h"
 
 namespace tasselby {
 namespace fs = std::filesystem;
@@ -49,35 +48,25 @@ std::optional<std::string> fileContents(const std::string& path) {
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-/// The bytes of each record of the cookie file `file`, by its domain and name.
-std::map<std::string, std::string> cookieRecords(const std::string& file) {
-  std::map<std::string, std::string> records;
-  for (const BinaryCookie& cookie : parseBinaryCookies(file).cookies) {
-    records.emplace(std::string(cookie.domain) + ' ' + std::string(cookie.name), cookie.record);
-  }
-  return records;
+using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
+
+Connection connectionTo(const std::string& path) {
+  sqlite3* connection = nullptr;
+  sqlite3_open(path.c_str(), &connection);
+  return {connection, &sqlite3_close};
 }
 
-std::string described(const Value& value) {
-  if (const auto* text = std::get_if<std::string>(&value)) {
-    return *text;
-  }
-  if (const auto* bytes = std::get_if<Bytes>(&value)) {
-    return {bytes->begin(), bytes->end()};
-  }
-  return std::holds_alternative<Null>(value) ? "NULL" : std::to_string(std::get<double>(value));
-}
-
-/// The values of all rows that `query` answers; no value when there are none.
-std::optional<std::string> rowContents(Sqlite& database, const std::string& query) {
-  const RowList rows = database.executeQuery(query).value_or(RowList{});
-  std::string contents;
-  for (const Row& row : rows) {
-    for (const Value& value : row.values()) {
-      contents += described(value) + '\n';
+/// What `sql` answers: the values of all rows, each on a line.
+std::string answerOf(const Connection& connection, const std::string& sql) {
+  std::string lines;
+  const auto append = [](void* text, int count, char** values, char** /*names*/) {
+    for (int i = 0; i < count; ++i) {
+      static_cast<std::string*>(text)->append(values[i] != nullptr ? values[i] : "NULL") += '\n';
     }
-  }
-  return rows.empty() ? std::nullopt : std::optional(contents);
+    return 0;
+  };
+  sqlite3_exec(connection.get(), sql.c_str(), append, &lines, nullptr);
+  return lines;
 }
 
 }  // namespace
@@ -104,8 +93,12 @@ std::string MacHome::onVolume(const std::string& path) const {
   return path.starts_with("/") ? path.substr(1) : "Users/anna/" + path;
 }
 
+bool SampleItem::goesFor(const std::string& browser, bool removeAll) const {
+  return (!kept || removeAll) && std::ranges::count(goneFor, browser) != 0;
+}
+
 void MacHome::addFile(const std::string& store, const std::string& path, const Browsers& goneFor,
-                      std::string contents) {
+                      bool kept, std::string contents) {
   if (contents.empty()) {
     std::minstd_rand random(++random_);
     contents.resize(200 + random() % 3000);
@@ -114,12 +107,12 @@ void MacHome::addFile(const std::string& store, const std::string& path, const B
     }
   }
   writeFile(path, contents);
-  addItem(store, path, "", goneFor);
+  addItem(store, path, "", goneFor, kept);
 }
 
 void MacHome::addItem(const std::string& store, const std::string& path, const std::string& key,
-                      const Browsers& goneFor) {
-  items_.push_back({store, onVolume(path), key, goneFor});
+                      const Browsers& goneFor, bool kept) {
+  items_.push_back({store, onVolume(path), key, goneFor, kept});
 }
 
 void MacHome::writeFile(const std::string& path, const std::string& contents) const {
@@ -131,51 +124,44 @@ void MacHome::writeFile(const std::string& path, const std::string& contents) co
 void MacHome::writeDatabase(const std::string& path, const std::vector<std::string>& sql) const {
   const fs::path full = volume_ / onVolume(path);
   fs::create_directories(full.parent_path());
-  Sqlite database;
-  database.open(full.native());
   // A page size and the write-ahead log can only be set outside of a transaction.
+  std::string settings;
+  std::string rows;
   for (const std::string& text : sql) {
-    if (text.starts_with("PRAGMA")) {
-      database.executeQuery(text);
-    }
+    (text.starts_with("PRAGMA") ? settings : rows) += text;
   }
-  database.executeQuery("BEGIN;");
-  for (const std::string& text : sql) {
-    if (!text.starts_with("PRAGMA")) {
-      database.executeQuery(text);
-    }
-  }
-  database.executeQuery("COMMIT;");
+  answerOf(connectionTo(full.native()), settings + "BEGIN;" + rows + "COMMIT;");
 }
 
 std::vector<std::optional<std::string>> MacHome::contents() const {
-  std::map<std::string, Sqlite> databases;
-  std::map<std::string, std::map<std::string, std::string>> cookies;
+  std::map<std::string, Connection> connections;
   std::vector<std::optional<std::string>> contents;
   for (const SampleItem& item : items_) {
-    const std::string full = path(item.path);
-    if (item.key.empty()) {
-      contents.push_back(fileContents(full));
-    } else if (item.path.ends_with(".binarycookies")) {
-      if (!cookies.contains(item.path)) {
-        cookies[item.path] = cookieRecords(fileContents(full).value_or(""));
+    std::optional<std::string> found = fileContents(path(item.path));
+    if (found && item.path.ends_with(".binarycookies")) {
+      // Domain and name stand one behind the other, a NUL behind each.
+      std::string texts = item.key + '\0';
+      texts[texts.find(' ')] = '\0';
+      found = found->find(texts) != std::string::npos ? std::optional(item.key) : std::nullopt;
+    } else if (found && !item.key.empty()) {
+      const auto at = connections.try_emplace(item.path, nullptr, &sqlite3_close).first;
+      if (at->second == nullptr) {
+        at->second = connectionTo(path(item.path));
       }
-      const auto found = cookies[item.path].find(item.key);
-      contents.push_back(found != cookies[item.path].end() ? std::optional(found->second)
-                                                           : std::nullopt);
-    } else {
-      Sqlite& database = databases[item.path];
-      if (database.filePath().empty() && fs::exists(full)) {
-        database.open(full);
-      }
-      contents.push_back(rowContents(database, item.key));
+      const std::string rows = answerOf(at->second, item.key);
+      found = rows.empty() ? std::nullopt : std::optional(rows);
     }
+    contents.push_back(found);
   }
   return contents;
 }
 
 std::string sqlText(const std::string& text) {
-  return formatted("'%@'", {doubledQuotes(text)});
+  std::string literal = "'";
+  for (const char c : text) {
+    literal.append(c == '\'' ? 2 : 1, c);
+  }
+  return literal + "'";
 }
 
 }  // namespace tasselby

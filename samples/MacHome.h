@@ -22,6 +22,11 @@ struct SampleItem {
   std::string key;
   /// The browsers whose run removes it.
   Browsers goneFor;
+  /// Whether it is a kept site's: it goes only where every site goes.
+  bool kept = false;
+
+  /// Whether it goes in a run for `browser`, or in one that keeps no site.
+  bool goesFor(const std::string& browser, bool removeAll = false) const;
 };
 
 /// A site of the sample home.
@@ -62,11 +67,11 @@ class MacHome {
 
   /// Writes a file, with contents of its own if none are given, and adds it as an item.
   void addFile(const std::string& store, const std::string& path, const Browsers& goneFor,
-               std::string contents = "");
+               bool kept = false, std::string contents = "");
 
   /// Adds something already written, by its path, and by its key if it is not the file itself.
   void addItem(const std::string& store, const std::string& path, const std::string& key,
-               const Browsers& goneFor);
+               const Browsers& goneFor, bool kept = false);
 
   /// Writes a file that is no item of a report: an index, a list of profiles.
   void writeFile(const std::string& path, const std::string& contents) const;

@@ -10,8 +10,8 @@ void addSystemFlash(MacHome& home) {
   for (const SampleSite& site : home.sites()) {
     home.addFile("Flash objects", player + "#SharedObjects/Q7XK2MPA/" + site.host + "/game.sol",
                  {});
-    home.addFile("Flash settings", settings + "#" + site.host + "/settings.sol",
-                 site.kept ? Browsers{} : kEveryBrowser);
+    home.addFile("Flash settings", settings + "#" + site.host + "/settings.sol", kEveryBrowser,
+                 site.kept);
   }
   home.addFile("Flash objects", player + "#SharedObjects/Q7XK2MPA/.DS_Store", {});
   home.addFile("Flash settings", settings + "settings.sol", {});
@@ -26,9 +26,8 @@ void addPepperFlash(MacHome& home, const std::string& browser, const std::string
     const std::string settings = objects + "macromedia.com/support/flashplayer/sys/";
     const std::string store = browser + " Flash";
     for (const SampleSite& site : home.sites()) {
-      const Browsers goneFor = site.kept ? Browsers{} : Browsers{browser};
-      home.addFile(store, objects + site.host + "/game.sol", goneFor);
-      home.addFile(store, settings + "#" + site.host + "/settings.sol", goneFor);
+      home.addFile(store, objects + site.host + "/game.sol", {browser}, site.kept);
+      home.addFile(store, settings + "#" + site.host + "/settings.sol", {browser}, site.kept);
     }
     home.addFile(store, settings + "settings.sol", {});
     home.addFile(store, settings + "##group/grouped.example.net/settings.sol", {browser});
@@ -41,11 +40,13 @@ void addSilverlight(MacHome& home) {
   int number = 0;
   for (const SampleSite& site : home.sites()) {
     const std::string name = "store" + std::to_string(number++);
-    const Browsers goneFor = site.kept ? Browsers{} : kEveryBrowser;
-    home.addFile("Silverlight", folder + "s/" + name + "/f/data", goneFor);
-    home.writeFile(folder + "s/" + name + "/id.dat", site.host);
-    home.writeFile(folder + "s/" + name + "/group.dat", "group-" + name);
-    home.addFile("Silverlight", folder + "g/group-" + name + "/quota.dat", goneFor);
+    const auto add = [&](const std::string& path, const std::string& contents) {
+      home.addFile("Silverlight", folder + path, kEveryBrowser, site.kept, contents);
+    };
+    add("s/" + name + "/f/data", "");
+    add("s/" + name + "/id.dat", site.host);
+    add("s/" + name + "/group.dat", "group-" + name);
+    add("g/group-" + name + "/quota.dat", "");
   }
   home.addFile("Silverlight", "Library/Application Support/Microsoft/Silverlight/mssl.lck", {});
 }

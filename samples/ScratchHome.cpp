@@ -21,8 +21,13 @@ std::string bytesOf(const fs::path& path) {
 }  // namespace
 
 ScratchHome::ScratchHome() {
-  std::string pattern = (fs::temp_directory_path() / "tasselby-XXXXXX").native();
-  root_ = fs::path(::mkdtemp(pattern.data()));
+  // In memory where that can be: thousands of runs, each of which waits for its disk.
+  for (const fs::path& folder : {fs::path("/dev/shm"), fs::temp_directory_path()}) {
+    std::string pattern = (folder / "tasselby-XXXXXX").native();
+    if (root_.empty() && ::mkdtemp(pattern.data()) != nullptr) {
+      root_ = pattern;
+    }
+  }
   fs::create_directories(home());
 }
 
@@ -53,12 +58,15 @@ ScratchHome& ScratchHome::link(const std::string& path, const std::string& targe
 ScratchHome& ScratchHome::socket(const std::string& path) {
   const fs::path full = this->path(path);
   fs::create_directories(full.parent_path());
+  // An address has room for some hundred bytes: bound at a short path and moved from there.
+  const std::string bound = (root_ / "socket").native();
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  full.native().copy(address.sun_path, sizeof address.sun_path - 1);
+  bound.copy(address.sun_path, sizeof address.sun_path - 1);
   const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  [[maybe_unused]] const int bound =
-      ::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    fs::rename(bound, full);
+  }
   ::close(descriptor);
   return *this;
 }

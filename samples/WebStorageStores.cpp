@@ -34,6 +34,8 @@ void addDatabases(MacHome& home, const std::string& browser, const std::string& 
     sql.push_back("INSERT INTO Databases (origin, name) VALUES (" + sqlText(origin) + ", 'data');");
     if (hasOrigins) {
       sql.push_back("INSERT INTO Origins VALUES (" + sqlText(origin) + ", 5242880);");
+      home.addItem(browser + " web databases", folder + "/Databases.db",
+                   rowWhere("Origins", "origin", origin), goneFor);
     }
     home.addFile(browser + " web databases", folder + "/" + origin + "/0001.db", goneFor);
     home.addItem(browser + " web databases", folder + "/Databases.db",
@@ -50,23 +52,23 @@ void addLocalStorage(MacHome& home, const std::string& browser, const std::strin
       safari ? "safari-extension_com.example.ext-0123456789_0" : "chrome-extension_abcdefghij_0";
   std::vector<std::string> tracker = {kTrackerOrigins,
                                       "INSERT INTO Origins VALUES ('http_gone.example_0', '');"};
-  const auto add = [&](const std::string& origin, const Browsers& goneFor) {
+  const auto add = [&](const std::string& origin, const Browsers& goneFor, bool kept) {
     const std::string file = origin + ".localstorage";
-    home.addFile(store, folder + "/" + file, goneFor);
+    home.addFile(store, folder + "/" + file, goneFor, kept);
     if (safari) {
       tracker.push_back("INSERT INTO Origins VALUES (" + sqlText(origin) + ", " + sqlText(file) +
                         ");");
       home.addItem(store, folder + "/StorageTracker.db", rowWhere("Origins", "origin", origin),
-                   goneFor);
+                   goneFor, kept);
     } else {
-      home.addFile(store, folder + "/" + file + "-journal", goneFor);
+      home.addFile(store, folder + "/" + file + "-journal", goneFor, kept);
     }
   };
   for (const SampleSite& site : home.sites()) {
-    add("https_" + site.host + "_0", site.kept ? Browsers{} : Browsers{browser});
+    add("https_" + site.host + "_0", {browser}, site.kept);
   }
   // Only Safari and Chromium spare their extensions.
-  add(extension, safari || browser == "Chromium" ? Browsers{} : Browsers{browser});
+  add(extension, safari || browser == "Chromium" ? Browsers{} : Browsers{browser}, false);
   if (safari) {
     home.addItem(store, folder + "/StorageTracker.db",
                  rowWhere("Origins", "origin", "http_gone.example_0"), {browser});
@@ -86,7 +88,7 @@ void addScopes(MacHome& home, const std::string& browser, const std::string& fol
                     "', 'value', 0, '');");
     }
     home.addItem(browser + " local storage", path, rowWhere("webappsstore2", "scope", scope),
-                 site.kept ? Browsers{} : Browsers{browser});
+                 {browser}, site.kept);
   }
   home.writeDatabase(path, sql);
 }

@@ -96,7 +96,7 @@ void Trial::expectKept(const std::string& browser, const std::string& label,
   const auto now = home_->contents();
   for (std::size_t i = 0; i < now.size(); ++i) {
     const SampleItem& item = home_->items()[i];
-    if (std::ranges::count(item.goneFor, browser) == 0 && item.store != exceptStore) {
+    if (!item.goesFor(browser) && item.store != exceptStore) {
       EXPECT_EQ(now[i], contents_[i]) << label << ": " << item.path << " " << item.key;
     }
   }
@@ -123,8 +123,7 @@ void Trial::expectFinished(const std::string& browser, const std::string& label,
   const auto now = home_->contents();
   for (std::size_t i = 0; i < now.size(); ++i) {
     const SampleItem& item = home_->items()[i];
-    if (std::ranges::count(item.goneFor, browser) > 0 &&
-        std::ranges::count(exceptStores, item.store) == 0) {
+    if (item.goesFor(browser) && std::ranges::count(exceptStores, item.store) == 0) {
       EXPECT_FALSE(now[i]) << label << ": " << item.path << " " << item.key;
     }
   }
