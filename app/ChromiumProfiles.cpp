@@ -17,7 +17,7 @@ ProfileMap WorkerAppDelegate::userProfiles(const std::string& browser) const {
   const std::optional<std::string> text = platform_.files.textOfFile(path);
   if (!text) {
     // Deliberate: without its list of profiles a browser counts as unknown, not as having none.
-    throw HardError();
+    throw HardError(path);
   }
   return profilesInLocalState(*text);
 }

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
@@ -119,17 +120,6 @@ std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::strin
   return names;
 }
 
-bool FileManager::listsAsEmpty(const std::string& path) const {
-  const Folder folder(hasNul(path) ? nullptr : ::opendir(path.c_str()));
-  while (const dirent* entry = folder ? ::readdir(folder.get()) : nullptr) {
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") {
-      return false;
-    }
-  }
-  return true;
-}
-
 bool FileManager::enumerateDeep(const std::string& path,
                                 const std::function<bool(const std::string&)>& visit) const {
   if (hasNul(path)) {
@@ -165,6 +155,14 @@ std::optional<std::string> FileManager::textOfFile(const std::string& path) cons
   return text && isValidUtf8(*text) ? text : std::nullopt;
 }
 
+bool FileManager::hasItemAtPath(const std::string& path) const {
+  return typeAt(path, false) != 0;
+}
+
+int FileManager::openForOverwriting(const std::string& path) const {
+  return hasNul(path) ? -1 : ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+}
+
 void FileManager::removeItemAtPath(const std::string& path) const {
   if (path.ends_with('/')) {
     return removeItemAtPath(path.substr(0, path.size() - 1));
@@ -173,6 +171,17 @@ void FileManager::removeItemAtPath(const std::string& path) const {
     return;
   }
   removeTree(path);
+}
+
+bool FileManager::emptyFolderAtPath(const std::string& path,
+                                    const std::vector<std::string>& but) const {
+  return hasNul(path) || emptyFolder(path, but);
+}
+
+void FileManager::setAsideItemAtPath(const std::string& path, const std::string& newPath) const {
+  if (!hasNul(path)) {
+    std::rename(path.c_str(), newPath.c_str());
+  }
 }
 
 }  // namespace tasselby

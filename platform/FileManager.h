@@ -43,10 +43,6 @@ class FileManager {
   /// Links are followed. Empty when it is no folder or cannot be read to its end.
   virtual std::vector<std::string> contentsOfDirectoryAtPath(const std::string& path) const;
 
-  /// Whether the folder at `path` has no entries, hidden ones included, or cannot be listed. Looks
-  /// at one entry only.
-  virtual bool listsAsEmpty(const std::string& path) const;
-
   /// Calls `visit` with the path of each item below the folder at `path`, at every depth and
   /// hidden ones included, until it answers false or the first error. A link
   /// at `path` is followed; links to folders inside are visited and not entered. Answers whether no
@@ -63,10 +59,26 @@ class FileManager {
   /// has none within 64 MiB, or the bytes are no UTF-8.
   virtual std::optional<std::string> textOfFile(const std::string& path) const;
 
+  /// Whether something is at `path` itself, a dangling link included.
+  virtual bool hasItemAtPath(const std::string& path) const;
+
+  /// A descriptor to read and write the file at `path`, links followed; below 0 when it cannot be
+  /// opened so. The caller closes it.
+  virtual int openForOverwriting(const std::string& path) const;
+
   /// Removes the file, link or folder with its contents at `path`. A link inside or at `path` goes
   /// itself, never what it names, not even when it takes a folder's place meanwhile. What cannot be
   /// removed stays, everything else goes, and neither is reported.
   virtual void removeItemAtPath(const std::string& path) const;
+
+  /// Removes everything in the folder at `path` but the entries named in `but`, in the same way.
+  /// Answers whether nothing else is left; true also for what is no folder or is not there.
+  virtual bool emptyFolderAtPath(const std::string& path,
+                                 const std::vector<std::string>& but) const;
+
+  /// Renames what is at `path`, a link itself, to `newPath`, of the same folder and soon to be
+  /// removed. A failure leaves it and is not reported.
+  virtual void setAsideItemAtPath(const std::string& path, const std::string& newPath) const;
 
  private:
   std::string home_;

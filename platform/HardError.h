@@ -1,6 +1,8 @@
 #pragma once
 
 #include <exception>
+#include <string>
+#include <utility>
 
 namespace tasselby {
 
@@ -12,7 +14,14 @@ namespace tasselby {
 /// `kHardErrorStatus`.
 class HardError : public std::exception {
  public:
+  /// `at` is the path of what ends the run.
+  explicit HardError(std::string at) : at_(std::move(at)) {}
+
+  const std::string& at() const { return at_; }
   const char* what() const noexcept override { return "hard error"; }
+
+ private:
+  std::string at_;
 };
 
 /// The process's exit status after a hard error: EX_SOFTWARE of sysexits.h.

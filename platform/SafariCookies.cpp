@@ -39,10 +39,11 @@ class SafariCookies final : public HTTPCookieStorage {
     synchronize();
     std::vector<HTTPCookie> answer;
     for (std::size_t file = 0; file < paths_.size(); ++file) {
+      auto contents = files_.contentsOfFile(paths_[file], kFileLimit);
       std::error_code missing;
-      // One file behind both paths is read once.
-      if (file == 0 || !fs::equivalent(paths_[0], paths_[file], missing)) {
-        read(file, answer);
+      // One file behind both paths is taken once.
+      if (contents && (file == 0 || !fs::equivalent(paths_[0], paths_[file], missing))) {
+        take(file, *std::move(contents), answer);
       }
     }
     return answer;
@@ -72,13 +73,9 @@ class SafariCookies final : public HTTPCookieStorage {
     std::string_view bytes;
   };
 
-  /// Appends the cookies of the file `file` to `answer`.
-  void read(std::size_t file, std::vector<HTTPCookie>& answer) {
-    auto contents = files_.contentsOfFile(paths_[file], kFileLimit);
-    if (!contents) {
-      return;
-    }
-    const std::string& bytes = read_.emplace_back(std::move(*contents));
+  /// Appends the cookies in `contents`, those of the file `file`, to `answer`.
+  void take(std::size_t file, std::string contents, std::vector<HTTPCookie>& answer) {
+    const std::string& bytes = read_.emplace_back(std::move(contents));
     for (const BinaryCookie& cookie : parseBinaryCookies(bytes).cookies) {
       answer.push_back({records_.size(), std::string(cookie.name), std::string(cookie.domain)});
       records_.push_back({file, cookie.record});

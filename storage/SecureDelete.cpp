@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <fcntl.h>
 #include <random>
 #include <sys/stat.h>
 #include <sys/uio.h>
@@ -61,9 +60,9 @@ void cover(int descriptor, Buffer& buffer, std::uint32_t remaining) {
   }
 }
 
-bool wipeFile(const std::string& path) {
+bool wipeFile(const FileManager& files, const std::string& path) {
   return std::ranges::all_of(
-      kPhases, [&path](std::int32_t phase) { return SecureDelete::wipe_phase(path, phase); });
+      kPhases, [&](std::int32_t phase) { return SecureDelete::wipe_phase(files, path, phase); });
 }
 
 }  // namespace
@@ -73,7 +72,7 @@ bool SecureDelete::wipe(const FileManager& files, const std::string& path) {
     return true;
   }
   if (!files.isFolderAtPath(path)) {
-    return wipeFile(path);
+    return wipeFile(files, path);
   }
   // Deliberate: the test is on the folder and not on the item, so the walk visits everything and
   // overwrites nothing. What is in a folder is removed without being overwritten.
@@ -84,11 +83,12 @@ bool SecureDelete::wipe(const FileManager& files, const std::string& path) {
 }
 
 bool SecureDelete::wipeContentsofDir(const FileManager& files, const std::string& path) {
-  return !files.fileExistsAtPath(path) || wipeFile(path);
+  return !files.fileExistsAtPath(path) || wipeFile(files, path);
 }
 
-bool SecureDelete::wipe_phase(const std::string& path, std::int32_t phase) {
-  const int descriptor = ::open(path.c_str(), O_RDWR);
+bool SecureDelete::wipe_phase(const FileManager& files, const std::string& path,
+                              std::int32_t phase) {
+  const int descriptor = files.openForOverwriting(path);
   if (descriptor < 0) {
     return false;
   }

@@ -25,7 +25,7 @@ class SecureDelete {
   /// One pass over the file at `path`: every byte 0x55 in phase 1, 0xAA in phase 2, random and
   /// never 0xFF in phase 3. The low 32 bits of the file's size are covered. Answers false when the
   /// file cannot be opened for writing, for another phase, and when closing fails.
-  static bool wipe_phase(const std::string& path, std::int32_t phase);
+  static bool wipe_phase(const FileManager& files, const std::string& path, std::int32_t phase);
 };
 
 }  // namespace tasselby

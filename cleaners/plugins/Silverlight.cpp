@@ -4,20 +4,16 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <set>
 #include <string>
-#include <system_error>
 #include <thread>
 
 #include "app/WorkerAppDelegate.h"
 #include "keep/WorkerExtras.h"
 #include "platform/HardError.h"
 #include "platform/Paths.h"
-#include "platform/RemoveTree.h"
 #include "storage/Disposal.h"
 #include "storage/SecureDelete.h"
 
@@ -62,8 +58,7 @@ std::string asideOf(const std::string& path) {
 std::optional<std::string> siteOf(const FileManager& files, const std::string& store) {
   std::optional<std::string> identity = files.textOfFile(join(store, kIdentity));
   for (bool again : {true, false}) {
-    std::error_code ignored;
-    if (!identity && !std::filesystem::exists(std::filesystem::symlink_status(store, ignored))) {
+    if (!identity && !files.hasItemAtPath(store)) {
       // Another worker was here since the stores were listed.
       return std::nullopt;
     }
@@ -75,7 +70,7 @@ std::optional<std::string> siteOf(const FileManager& files, const std::string& s
   std::optional<std::string> site = WorkerExtras::siteWithDomainName(identity);
   if (!site) {
     // Deliberate: a store that names no site ends the whole run, and is not passed over.
-    throw HardError();
+    throw HardError(store);
   }
   return site;
 }
@@ -94,8 +89,8 @@ class Removal {
   /// store stays one.
   void begin(const std::string& store) const {
     if ((!secure_ || SecureDelete::wipe(files_, store)) &&
-        emptyFolder(store, {kGroup, kIdentity})) {
-      std::rename(store.c_str(), asideOf(store).c_str());
+        files_.emptyFolderAtPath(store, {kGroup, kIdentity})) {
+      files_.setAsideItemAtPath(store, asideOf(store));
     }
   }
 
@@ -111,7 +106,7 @@ class Removal {
     // stores included.
     if (std::ranges::all_of(files_.contentsOfDirectoryAtPath(join(folder, "s")),
                             [](const std::string& name) { return name.starts_with(kAside); })) {
-      std::rename(plugIn_.c_str(), asideOf(plugIn_).c_str());
+      files_.setAsideItemAtPath(plugIn_, asideOf(plugIn_));
       dispose(files_, plugIn_, secure_);
       dispose(files_, asideOf(plugIn_), secure_);
     }

@@ -24,11 +24,11 @@ TEST(SecureDelete, RepeatsOneBufferOverTheWholeFile) {
     home.file("file", std::string(size, 'x'));
     const std::string path = home.path("file");
 
-    EXPECT_TRUE(SecureDelete::wipe_phase(path, 1));
+    EXPECT_TRUE(SecureDelete::wipe_phase(FileManager(""), path, 1));
     EXPECT_EQ(home.contents("file"), std::string(size, '\x55'));
-    EXPECT_TRUE(SecureDelete::wipe_phase(path, 2));
+    EXPECT_TRUE(SecureDelete::wipe_phase(FileManager(""), path, 2));
     EXPECT_EQ(home.contents("file"), std::string(size, '\xAA'));
-    EXPECT_TRUE(SecureDelete::wipe_phase(path, 3));
+    EXPECT_TRUE(SecureDelete::wipe_phase(FileManager(""), path, 3));
     const std::string random = home.contents("file");
     ASSERT_EQ(random.size(), size);
     EXPECT_EQ(random.find('\xFF'), std::string::npos);
@@ -41,10 +41,10 @@ TEST(SecureDelete, FailsOnOtherPhasesAndWhatCannotBeOpened) {
   ScratchHome home;
   home.file("file", "kept").file("empty", "").socket("socket");
 
-  EXPECT_FALSE(SecureDelete::wipe_phase(home.path("file"), 0));
+  EXPECT_FALSE(SecureDelete::wipe_phase(FileManager(""), home.path("file"), 0));
   const int free = ::dup(0);
   ::close(free);
-  EXPECT_FALSE(SecureDelete::wipe_phase(home.path("file"), 4));
+  EXPECT_FALSE(SecureDelete::wipe_phase(FileManager(""), home.path("file"), 4));
   const int next = ::dup(0);
   EXPECT_GT(next, free) << "the file stays open";
   ::close(next);
@@ -63,7 +63,7 @@ TEST(SecureDelete, CountsOnlyTheLowHalfOfTheSize) {
   if (error) {
     GTEST_SKIP() << "no room for a sparse file";
   }
-  EXPECT_TRUE(SecureDelete::wipe_phase(home.path("file"), 1));
+  EXPECT_TRUE(SecureDelete::wipe_phase(FileManager(""), home.path("file"), 1));
   std::filesystem::resize_file(home.path("file"), 5);
   EXPECT_EQ(home.contents("file"),
             "\x55\x55"
@@ -85,7 +85,7 @@ TEST(SecureDelete, SubtractsWhatAFailedWriteAnswered) {
     ::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{4096, 4096};
     ::setrlimit(RLIMIT_FSIZE, &limit);
-    ::_exit(SecureDelete::wipe_phase(home.path("file"), 1) ? 0 : 1);
+    ::_exit(SecureDelete::wipe_phase(FileManager(""), home.path("file"), 1) ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
