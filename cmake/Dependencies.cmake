@@ -25,6 +25,11 @@ else()
   tasselby_find(sqlite sqlite3 libsqlite3.a)
 endif()
 tasselby_find(utf8proc libutf8proc libutf8proc.a)
+# An application brings nothing along: what it links has to be every Mac's, or in it.
+if(APPLE AND NOT (TASSELBY_STATIC AND utf8proc_ARCHIVE))
+  message(FATAL_ERROR "The application needs utf8proc as an archive: libutf8proc.a was not found, "
+    "or TASSELBY_STATIC is off")
+endif()
 tasselby_find(plist libplist-2.0 libplist-2.0.a)
 
 add_library(worker_dependencies INTERFACE)

@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "keep/WorkerExtras.h"

@@ -1,0 +1,3 @@
+#pragma once
+
+#define TARGET_OS_MAC 1

@@ -1,0 +1,13 @@
+#pragma once
+
+// A Mac's times have other names.
+
+#define st_atim st_atimespec
+#define st_mtim st_mtimespec
+#define st_ctim st_ctimespec
+#include_next <sys/stat.h>
+#undef st_atim
+#undef st_mtim
+#undef st_ctim
+#undef st_mtime
+#define st_mtime st_mtimespec.tv_sec
