@@ -16,6 +16,8 @@ using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
 inline Connection plainly(const std::string& path, const std::string& sql) {
   sqlite3* connection = nullptr;
   sqlite3_open(path.c_str(), &connection);
+  // A Mac's connections start out defensive, and then no schema can be damaged.
+  sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
   EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
   return {connection, &sqlite3_close};
 }
