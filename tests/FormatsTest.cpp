@@ -1,12 +1,16 @@
+// The keychain's file and the browsers' list of profiles, sound and damaged.
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
+#include "app/LocalState.h"
+#include "keep/WorkerExtras.h"
 #include "platform/offline/KeychainFile.h"
 #include "samples/KeychainWriter.h"
-#include "samples/ScratchHome.h"
+#include "tests/support/WorkerTest.h"
 
 namespace tasselby {
 namespace {
@@ -102,6 +106,97 @@ TEST(KeychainFile, NeverMakesUpAnItem) {
         EXPECT_TRUE(!typed || std::ranges::count(items, item) != 0) << i << ": " << item;
       }
     }
+  }
+}
+
+struct KeychainFolder : WorkerTest {
+  static constexpr const char* kNewer = "Library/Keychains/login.keychain-db";
+  static constexpr const char* kOlder = "Library/Keychains/login.keychain";
+};
+
+TEST_F(KeychainFolder, AnswersOnlyAttributesWithAValueTheSystemKnows) {
+  home.file(kOlder, keychainFile({{.server = "a.test", .authenticationType = "forms"},
+                                  {.server = "", .authenticationType = "dflt", .account = ""},
+                                  {.server = "\xFF.test", .authenticationType = "FORM"},
+                                  {.server = "c.test", .authenticationType = "for"}}));
+  const std::vector<KeychainAttributes> items = {
+      {{"acct", "anna"}, {"atyp", "form"}, {"srvr", "a.test"}},
+      {{"atyp", "dflt"}},
+      {{"acct", "anna"}},
+      {{"acct", "anna"}, {"srvr", "c.test"}}};
+  EXPECT_EQ(WorkerExtras::allAccounts(*keychain), items);
+}
+
+TEST_F(KeychainFolder, ReadsTheOlderKeychainOnlyWithoutANewerOne) {
+  const std::string sound = keychainFile({{.server = "a.test"}});
+  home.link(kNewer, "nowhere").file(kOlder, sound);
+  EXPECT_TRUE(WorkerExtras::allAccounts(*keychain)) << "a dangling link is no keychain";
+  std::filesystem::remove(home.path(kNewer));
+  home.file(kNewer, sound.substr(0, sound.size() - 5));
+  EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "damaged";
+  std::filesystem::remove(home.path(kNewer));
+  ASSERT_EQ(::mkfifo(home.path(kNewer).c_str(), 0600), 0);
+  EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "a FIFO without a writer";
+}
+
+TEST_F(KeychainFolder, HonoursTheQueryAndTellsWhyThereIsNothing) {
+  home.file(kNewer, keychainFile({{.server = "a.test"}, {.server = "b.test", .account = "berta"}}));
+  KeychainQuery query = WorkerExtras::_queryForService_account(std::nullopt, "berta");
+  EXPECT_EQ(keychain->copyMatching(query).status, Keychain::kSuccess);
+  EXPECT_TRUE(keychain->copyMatching(query).items.empty());
+  query.returnAttributes = true;
+  EXPECT_EQ(keychain->copyMatching(query).items.at(0).at("srvr"), "b.test");
+  query.account = std::nullopt;
+  EXPECT_EQ(keychain->copyMatching(query).items.size(), 1U) << "one is the limit";
+
+  KeychainError error;
+  EXPECT_EQ(WorkerExtras::accountsForService_error(*keychain, "a.test", &error), std::nullopt);
+  EXPECT_EQ(error.domain, "com.marrowgatestudios.Tasselby");
+  EXPECT_EQ(error.code, Keychain::kItemNotFound);
+}
+
+std::string withCache(const std::string& cache) {
+  return R"({"other": [{"profile": 1}], "profile": {"info_cache": )" + cache + "}}";
+}
+
+std::string nested(const std::string& text, int depth) {
+  std::string all;
+  for (int i = 0; i < depth; ++i) {
+    all += text;
+  }
+  return all;
+}
+
+TEST(LocalState, ListsProfilesThatHaveAName) {
+  const ProfileMap two = {{"Default", "Anna"}, {"Profile 1", ""}};
+  const std::map<std::string, ProfileMap> profilesByText = {
+      {withCache(R"({"Default": {"name": "Anna"}, "Profile 1": {"a": [{}], "name": ""}})"), two},
+      {withCache(R"({"Default": {"name": "Anna"}, "None": {}, "Number": {"name": 1},
+                     "Text": "name", "List": [{"name": "x"}], "Null": {"name": null},
+                     "Deep": {"name": {"name": "x"}}, "Profile 1": {"name": "", "x": 1e308}})"),
+       two},
+      {withCache(R"({"Default": {"name": "x"}, "Default": {"name": "Anna"},
+                     "Profile 1": {"name": "y", "name": ""}, "Gone": {"name": "x"}, "Gone": 1})"),
+       two},
+      {withCache(R"({"Default": {"name": "Anna"}})") + "]", {}},
+      {withCache(R"([{"name": "Anna"}])"), {}},
+      {R"({"profile": {"info_cache": {"Default": {"name": "Anna"}}}, "profile": 1})", {}},
+      {R"([{"profile": {"info_cache": {"Default": {"name": "Anna"}}}}])", {}},
+      {R"({"profile": [{"info_cache": {"Default": {"name": "Anna"}}}]})", {}},
+      {withCache(R"({"Default": {"name": "Anna", "big": 1e999}})"), {}},
+      {"", {}},
+      {"\"profile\"", {}},
+  };
+  for (const auto& [text, profiles] : profilesByText) {
+    EXPECT_EQ(profilesInLocalState(text), profiles) << text;
+  }
+}
+
+TEST(LocalState, SurvivesAnyNesting) {
+  const std::string deep = R"(", "deep": )" + nested("[", 500) + nested("]", 500) + "}}";
+  EXPECT_EQ(profilesInLocalState(withCache(R"({"Default": {"name": "Anna)" + deep)).size(), 1U);
+  for (const char* opening : {"[", R"({"profile":)"}) {
+    EXPECT_TRUE(profilesInLocalState(nested(opening, 1000000)).empty());
   }
 }
 
