@@ -1,87 +1,66 @@
-// Cleans a sample home with the worker and shows, store by store, what went and what stayed.
+// Cleans a sample home with the worker and shows what went and what stayed.
 //
 //   show-run WORKER BROWSER [-key value ...]
 
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <map>
-#include <optional>
-#include <set>
+#include <iostream>
 #include <string>
-#include <unistd.h>
+#include <system_error>
 #include <vector>
 
-#include "keep/WorkerExtras.h"
+#include "report/Forecast.h"
+#include "report/Print.h"
+#include "report/Stores.h"
 #include "samples/MacHome.h"
 #include "samples/NotificationBus.h"
 #include "samples/RunWorker.h"
 
 namespace tasselby {
+namespace fs = std::filesystem;
+
 namespace {
 
 constexpr std::uint32_t kSeed = 1;
 
-struct StoreCount {
-  int before = 0;
-  int left = 0;
-};
-
-using Contents = std::vector<std::optional<std::string>>;
-
-void printTable(const MacHome& home, const Contents& before, const Contents& after) {
-  std::vector<std::string> order;
-  std::map<std::string, StoreCount> counts;
-  for (std::size_t i = 0; i < home.items().size(); ++i) {
-    const std::string& store = home.items()[i].store;
-    if (!counts.contains(store)) {
-      order.push_back(store);
-    }
-    counts[store].before += before[i] ? 1 : 0;
-    counts[store].left += after[i] ? 1 : 0;
-  }
-  std::printf("%-32s %8s %8s %8s\n", "store", "before", "removed", "left");
-  for (const std::string& store : order) {
-    const StoreCount& count = counts[store];
-    std::printf("%-32s %8d %8d %8d\n", store.c_str(), count.before, count.before - count.left,
-                count.left);
-  }
-}
-
-void printKeptSites(const MacHome& home) {
-  std::set<std::string> kept;
-  for (const SampleSite& site : home.sites()) {
-    if (site.kept) {
-      kept.insert(WorkerExtras::siteWithDomainName(site.host).value_or(""));
+/// What a run made of `before`, a volume's folder, in its copy `after`.
+Outcome outcomeOf(const std::string& before, const std::string& after) {
+  Outcome outcome;
+  for (auto item = fs::recursive_directory_iterator(before); item != end(item); ++item) {
+    const std::string path = item->path().native();
+    const std::string copy = after + path.substr(before.size());
+    if (!fs::exists(fs::symlink_status(copy))) {
+      outcome.removed.insert(path);
+      item.disable_recursion_pending();
+    } else if (item->is_directory()) {
+      outcome.lookedAt.insert(path);
+    } else if (isStore(item->path().filename().native())) {
+      outcome.stores.emplace(path, copy);
     }
   }
-  std::printf("sites to keep:");
-  for (const std::string& site : kept) {
-    std::printf(" %s", site.c_str());
-  }
-  std::printf("\n\n");
+  return outcome;
 }
 
 int showRun(const std::vector<std::string>& command) {
-  std::string volume = (std::filesystem::temp_directory_path() / "tasselby-XXXXXX").native();
-  if (::mkdtemp(volume.data()) == nullptr) {
-    std::perror(volume.c_str());
-    return 1;
-  }
+  const ScratchFolder scratch;
+  const std::string volume = scratch.path() + "/volume";
+  fs::create_directory(volume);
   const MacHome home(volume, kSeed);
-  const Contents before = home.contents();
+  const MacHome cleaned = home.copyTo(scratch.path() + "/cleaned");
   NotificationBus bus;
-  const WorkerRun run = runWorker(command, home.home(), bus.address());
+  const WorkerRun run = runWorker(command, cleaned.home(), bus.address());
 
-  printKeptSites(home);
-  printTable(home, before, home.contents());
-  for (const ReceivedNotification& notification : bus.received()) {
-    std::printf("\n%s: %s\n", notification.summary.c_str(), notification.body.c_str());
+  // What the run was to keep, and what it has done in truth.
+  RunResult result = forecast(command, FileManager(home.home()), scratch);
+  KeepList keepList;
+  for (const KeptSite& site : result.kept) {
+    keepList.add(site.site);
   }
-  std::printf("%s\nexit status %d after %.1f ms\n", run.output.c_str(), run.status,
-              run.seconds * 1000);
-  std::error_code ignored;
-  std::filesystem::remove_all(volume, ignored);
+  result.changes = changesOf(outcomeOf(volume, cleaned.volume()), keepList, scratch);
+  const auto received = bus.received();
+  result.report = received.empty() ? "" : received.front().body;
+  printText(
+      std::cout, result,
+      {"What a run for " + result.browser + " removed from a sample home.", false, wantsColor()});
   return run.status;
 }
 
@@ -90,7 +69,7 @@ int showRun(const std::vector<std::string>& command) {
 
 int main(int argc, char* argv[]) {
   if (argc < 3) {
-    std::fprintf(stderr, "usage: show-run WORKER BROWSER [-key value ...]\n");
+    std::cerr << "usage: show-run WORKER BROWSER [-key value ...]\n";
     return 2;
   }
   return tasselby::showRun({argv + 1, argv + argc});

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <exception>
+#include <string>
+
+namespace tasselby {
+
+/// There is no scratch folder, or no room left in it.
+class ScratchError : public std::exception {
+ public:
+  const char* what() const noexcept override { return "no room for a scratch folder"; }
+};
+
+/// A folder of its own below the folder for temporary files, removed with all that is in it.
+class ScratchFolder {
+ public:
+  /// Makes the folder; throws `ScratchError` when that fails.
+  ScratchFolder();
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+  ~ScratchFolder();
+
+  /// The folder's path, without links in it.
+  const std::string& path() const { return path_; }
+
+  /// Makes `to`, a path below the folder, a copy of the regular file `from`: a clone that shares
+  /// the bytes where the file system can. It can be written if `from` could be. What cannot be read
+  /// or is no regular file is not copied. Throws `ScratchError` without room for the copy and for
+  /// what an SQLite journal of it can take.
+  void copy(const std::string& from, const std::string& to) const;
+
+  /// The same for a database with what SQLite keeps beside it.
+  void copyDatabase(const std::string& from, const std::string& to) const;
+
+ private:
+  std::string path_;
+};
+
+/// Whether this process may make and remove entries in the folder of `path`, and change `path`.
+bool mayRemove(const std::string& path);
+
+}  // namespace tasselby
