@@ -28,16 +28,6 @@ namespace fs = std::filesystem;
 constexpr int kNames = 1000000;
 constexpr int kFileCookies = 50000;
 
-void makeDatabase(const std::string& path, const std::string& table, const std::string& insert,
-                  int rows) {
-  Sqlite database;
-  database.open(path);
-  database.executeQuery(table);
-  database.executeQuery(
-      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-      std::to_string(rows) + ") " + insert);
-}
-
 /// The plain way: each statement prepared, stepped and finalized, on one connection or, with
 /// `reopen`, on one of its own.
 void runStatements(const std::string& path, const std::vector<std::string>& statements,
@@ -55,6 +45,15 @@ void runStatements(const std::string& path, const std::vector<std::string>& stat
     sqlite3_finalize(statement);
   }
   sqlite3_close(connection);
+}
+
+void makeDatabase(const std::string& path, const std::string& table, const std::string& insert,
+                  int rows) {
+  runStatements(
+      path,
+      {table, "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+                  std::to_string(rows) + ") " + insert},
+      false);
 }
 
 /// A database of cookies in a home, and the statement that deletes the one with the number "%@".
@@ -106,6 +105,22 @@ constexpr RowsCase kOperaRows = {
     5000,
     "DELETE FROM cookies WHERE host_key = 'www.site%@.example' AND creation_utc = '%@';",
     true};
+
+/// Today's store of one host that is embedded everywhere: the index leads to all its rows, so that
+/// each deletion looks at every one that is left.
+constexpr RowsCase oneHost(int rows) {
+  return {"Opera",
+          "Library/Application Support/com.operasoftware.Opera/Cookies",
+          "CREATE TABLE cookies (creation_utc INTEGER NOT NULL, host_key TEXT NOT NULL, "
+          "top_frame_site_key TEXT NOT NULL, name TEXT NOT NULL, value TEXT, path TEXT, "
+          "UNIQUE (host_key, top_frame_site_key, name, path));",
+          "INSERT INTO cookies SELECT i, '.tracker.example', "
+          "'https://site' || i || '.example', 'id', 'a value of ordinary length', '/' FROM n;",
+          rows,
+          "DELETE FROM cookies WHERE host_key = '.tracker.example' AND "
+          "creation_utc = '%@';",
+          true};
+}
 
 /// Names as stores have them: mostly ordinary, some with an entry in front.
 std::vector<std::string> makeNames(const std::vector<std::string>& catalogue) {
@@ -175,7 +190,13 @@ std::vector<Comparison> cookieBenchmarks(const std::string& worker) {
           {"run that deletes 5,000 Opera cookies", "open, statement, close",
            deletionRatio(worker, kOperaRows), 1.1},
           {"run that deletes 20,000 Firefox cookies", "the statements alone",
-           deletionRatio(worker, kFirefoxRows), 1.05}};
+           deletionRatio(worker, kFirefoxRows), 1.05},
+          {"run that deletes 2,000 cookies of one host", "open, statement, close",
+           deletionRatio(worker, oneHost(2000)), 1.1},
+          {"run that deletes 4,000 cookies of one host", "open, statement, close",
+           deletionRatio(worker, oneHost(4000)), 1.1},
+          {"run that deletes 8,000 cookies of one host", "open, statement, close",
+           deletionRatio(worker, oneHost(8000)), 1.1}};
 }
 
 }  // namespace tasselby

@@ -1,6 +1,7 @@
 // What a large result weighs beside the values in it.
 
 #include <malloc.h>
+#include <sqlite3.h>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,12 @@ namespace {
 constexpr int kCookies = 100'000;
 
 /// A cookie store of Firefox, with `kCookies` in it.
-void makeCookies(Sqlite& store) {
+void makeCookies(const std::string& path) {
+  sqlite3* connection = nullptr;
+  sqlite3_open(path.c_str(), &connection);
+  // Used as it is, a connection has no bounds.
+  Sqlite store;
+  store.set_db(connection);
   store.executeNonQuery(
       "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, originAttributes TEXT NOT NULL DEFAULT '',"
       " name TEXT, value TEXT, host TEXT, path TEXT, expiry INTEGER, lastAccessed INTEGER,"
@@ -52,8 +58,9 @@ std::size_t weightOfValues(const RowList& rows) {
 std::vector<Comparison> sqliteBenchmarks(const std::string& /*worker*/) {
   const Scratch scratch;
   Sqlite store;
-  store.open(scratch.path("cookies.sqlite"));
-  makeCookies(store);
+  const std::string path = scratch.path("cookies.sqlite");
+  makeCookies(path);
+  store.open(path);
   const std::size_t before = heapInUse();
   const RowList rows = store.executeQuery("SELECT * FROM moz_cookies;").value_or(RowList());
   const auto weight = static_cast<double>(heapInUse() - before);

@@ -7,6 +7,9 @@
 #include <thread>
 #include <utility>
 
+#include "storage/SqliteFiles.h"
+#include "storage/SqliteGuard.h"
+
 namespace tasselby {
 namespace {
 
@@ -44,21 +47,23 @@ std::size_t heapOf(const Value& value) {
   return bytes == nullptr ? 0 : bytes->size();
 }
 
-/// The ready row. Lessens `bytesLeft` by what it takes; no value once that is negative.
+/// The ready row; no value once the result weighs more than allowed.
 std::optional<Row> rowOf(const Sqlite::Statement& statement, const Columns& columns,
-                         std::int64_t& bytesLeft) {
+                         Allowance& allowance) {
   const std::size_t count = columns.indexes.size();
-  bytesLeft -= static_cast<std::int64_t>(sizeof(Row) + count * sizeof(Value));
   std::vector<Value> values;
   values.reserve(count);
   for (const int index : columns.indexes) {
     values.push_back(Sqlite::columnData_columnIndex(statement, index));
-    bytesLeft -= static_cast<std::int64_t>(heapOf(values.back()));
-    if (bytesLeft < 0) {
+    if (!allowance.take(sizeof(Value) + heapOf(values.back()))) {
       return std::nullopt;
     }
   }
   return Row(columns.names, std::move(values));
+}
+
+bool isComplete(int result) {
+  return result == SQLITE_DONE || result == SQLITE_OK;
 }
 
 }  // namespace
@@ -73,16 +78,14 @@ Sqlite::Sqlite(const std::string& path) : busyRetryTimeout_(0) {
 
 bool Sqlite::open(const std::string& path) {
   close();
-  if (path.find('\0') != std::string::npos || openGuarded(path, db_) != SQLITE_OK) {
+  if (path.find('\0') != std::string::npos || openDatabase(path, db_) != SQLITE_OK) {
     return false;
   }
-  // Another connection to the same file goes on from what has been spent on it.
-  if (path != countedPath_) {
-    countedPath_ = path;
-    allowance_ = 0;
-    steps_ = {};
+  const char* file = sqlite3_db_filename(db_, "main");
+  isBounded_ = file != nullptr && *file != '\0';
+  if (isBounded_) {
+    guard(db_);
   }
-  limitSteps(db_, steps_);
   filePath_ = path;
   return true;
 }
@@ -91,18 +94,16 @@ void Sqlite::close() {
   if (db_ == nullptr) {
     return;
   }
-  removeStepLimit(db_);
   // Deliberate: a connection that is still busy is forgotten, open as it is.
-  whileBusy([this] { return sqlite3_close(db_); });
+  Allowance unbounded(nullptr, nullptr);
+  whileBusy(unbounded, [this] { return sqlite3_close(db_); });
   filePath_.clear();
-  db_ = nullptr;
+  set_db(nullptr);
 }
 
 void Sqlite::set_db(sqlite3* connection) {
-  if (db_ != nullptr) {
-    removeStepLimit(db_);
-  }
   db_ = connection;
+  isBounded_ = false;
 }
 
 std::int64_t Sqlite::errorCode() const {
@@ -120,18 +121,18 @@ std::optional<RowList> Sqlite::executeQuery(const std::string& sql) {
 std::optional<RowList> Sqlite::executeQuery_arguments(const std::string& sql,
                                                       const Arguments& arguments) {
   Statement statement;
-  if (!prepareAndBind(sql, arguments, statement)) {
+  Allowance allowance(bounded(), sql.c_str());
+  if (!prepareAndBind(sql, arguments, statement, allowance)) {
     return std::nullopt;
   }
   RowList rows;
   Columns columns;
-  std::int64_t bytesLeft = allowance_;
-  while (hasData(statement)) {
+  while (step(statement, allowance) == SQLITE_ROW) {
     // Not earlier: the first step prepares anew should the schema have changed meanwhile.
     if (columns.names == nullptr) {
       columns = columnsOf(statement);
     }
-    std::optional<Row> row = rowOf(statement, columns, bytesLeft);
+    std::optional<Row> row = rowOf(statement, columns, allowance);
     if (!row) {
       break;
     }
@@ -146,7 +147,9 @@ bool Sqlite::executeNonQuery(const std::string& sql) {
 
 bool Sqlite::executeNonQuery_arguments(const std::string& sql, const Arguments& arguments) {
   Statement statement;
-  return prepareAndBind(sql, arguments, statement) && executeStatament(statement);
+  Allowance allowance(bounded(), sql.c_str());
+  return prepareAndBind(sql, arguments, statement, allowance) &&
+         isComplete(step(statement, allowance));
 }
 
 bool Sqlite::commit() {
@@ -166,30 +169,18 @@ bool Sqlite::beginDeferredTransaction() {
 }
 
 bool Sqlite::prepareSql_inStatament(const std::string& sql, Statement& statement) {
-  statement.reset();
-  if (db_ == nullptr) {
-    return false;
-  }
-  // The file may have grown since the last statement. One on which too much was spent gets no
-  // further statement, until what each may take has made up for it.
-  const std::int64_t allowance = std::max(allowance_, allowanceFor(db_));
-  const std::int64_t growth = allowance - std::exchange(allowance_, allowance);
-  if (!addSteps(steps_, growth / kBytesPerStep + kStepsPerStatement)) {
-    return false;
-  }
-  sqlite3_stmt* prepared = nullptr;
-  const int result = whileBusy([&] { return prepareGuarded(db_, sql, prepared); });
-  statement.reset(prepared);
-  return result == SQLITE_OK;
+  Allowance allowance(bounded(), sql.c_str());
+  return prepare(sql, statement, allowance);
 }
 
 bool Sqlite::executeStatament(const Statement& statement) {
-  const int result = whileBusy([&statement] { return sqlite3_step(statement.get()); });
-  return result == SQLITE_DONE || result == SQLITE_OK;
+  Allowance allowance(bounded(), sqlite3_sql(statement.get()));
+  return isComplete(step(statement, allowance));
 }
 
 bool Sqlite::hasData(const Statement& statement) {
-  return whileBusy([&statement] { return sqlite3_step(statement.get()); }) == SQLITE_ROW;
+  Allowance allowance(bounded(), sqlite3_sql(statement.get()));
+  return step(statement, allowance) == SQLITE_ROW;
 }
 
 std::string Sqlite::version() {
@@ -210,13 +201,13 @@ std::string Sqlite::createUuid() {
   return uuid;
 }
 
-int Sqlite::whileBusy(const std::function<int()>& call) {
+int Sqlite::whileBusy(Allowance& allowance, const std::function<int()>& call) {
   for (std::int64_t retries = 0;; ++retries) {
     const int result = call();
     if (result != SQLITE_BUSY) {
       return result;
     }
-    addSteps(steps_, kStepsPerStatement);
+    allowance.restart();
     std::this_thread::sleep_for(kBusyPause);
     // Deliberate: no number of retries that is not negative is ever reached, so zero and above give
     // up after the first pause, and only a negative number goes on, without end.
@@ -226,9 +217,27 @@ int Sqlite::whileBusy(const std::function<int()>& call) {
   }
 }
 
+int Sqlite::step(const Statement& statement, Allowance& allowance) {
+  return whileBusy(allowance, [&] { return sqlite3_step(statement.get()); });
+}
+
+bool Sqlite::prepare(const std::string& sql, Statement& statement, Allowance& allowance) {
+  statement.reset();
+  if (db_ == nullptr) {
+    return false;
+  }
+  sqlite3_stmt* prepared = nullptr;
+  const int result = whileBusy(allowance, [&] {
+    return isBounded_ ? prepareGuarded(db_, sql.c_str(), prepared)
+                      : sqlite3_prepare_v2(db_, sql.c_str(), -1, &prepared, nullptr);
+  });
+  statement.reset(prepared);
+  return result == SQLITE_OK;
+}
+
 bool Sqlite::prepareAndBind(const std::string& sql, const Arguments& arguments,
-                            Statement& statement) {
-  if (!prepareSql_inStatament(sql, statement)) {
+                            Statement& statement, Allowance& allowance) {
+  if (!prepare(sql, statement, allowance)) {
     return false;
   }
   const auto parameters = static_cast<std::size_t>(sqlite3_bind_parameter_count(statement.get()));

@@ -11,12 +11,13 @@
 
 #include "platform/FileManager.h"
 #include "storage/Row.h"
-#include "storage/SqliteGuard.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
 
 namespace tasselby {
+
+class Allowance;
 
 /// What stands in for an argument of no other kind: its description.
 struct Description {
@@ -41,12 +42,11 @@ using Arguments = std::vector<Argument>;
 /// back rows by column name.
 ///
 /// Nothing here throws or logs: a failure is `false` or no value, and errorCode() and
-/// errorMessage() say why; of a statement refused for the bounds below they do not know. One thread
-/// at a time.
+/// errorMessage() say why. Without a connection, or with one whose opening failed, every operation
+/// answers `false` or no value. One thread at a time.
 ///
-/// A file may come from anybody. What its schema says reads and changes that file alone, and what
-/// this object runs on it, over however many connections, ends within bounds that grow with the
-/// file's size.
+/// A file may come from anybody. What its schema says reads and changes that file alone, and each
+/// statement ends within bounds that grow with the file's size. One that exceeds them fails.
 ///
 /// Of an SQL text only the first statement is run, and only what stands before the first NUL.
 class Sqlite {
@@ -69,9 +69,10 @@ class Sqlite {
   Sqlite& operator=(const Sqlite&) = delete;
   ~Sqlite() { close(); }
 
-  /// Opens `path` for reading and writing, closing first what was open.
-  /// A missing file is created empty, so callers test for the file before they come here. After a
-  /// failure filePath() is empty, while _db() may hold the failed connection for errorMessage().
+  /// Opens `path` for reading and writing, closing first what was open. "" is a temporary database
+  /// and ":memory:" one without a file; the bounds above do not hold for these. A missing file is
+  /// created empty, so callers test for the file before they come here. After a failure filePath()
+  /// is empty, while _db() may hold the failed connection for errorMessage().
   bool open(const std::string& path);
 
   /// Closes the connection, if there is one. A connection that is busy with a statement stays open
@@ -155,16 +156,18 @@ class Sqlite {
   void set_db(sqlite3* connection);
 
  private:
-  int whileBusy(const std::function<int()>& call);
-  bool prepareAndBind(const std::string& sql, const Arguments& arguments, Statement& statement);
+  int whileBusy(Allowance& allowance, const std::function<int()>& call);
+  int step(const Statement& statement, Allowance& allowance);
+  bool prepare(const std::string& sql, Statement& statement, Allowance& allowance);
+  bool prepareAndBind(const std::string& sql, const Arguments& arguments, Statement& statement,
+                      Allowance& allowance);
+  /// The connection if the bounds hold for it; else null.
+  sqlite3* bounded() const { return isBounded_ ? db_ : nullptr; }
 
   std::int64_t busyRetryTimeout_ = 1;
   std::string filePath_;
   sqlite3* db_ = nullptr;
-  /// The file on which `steps_` are spent, and what it allows.
-  std::string countedPath_;
-  std::int64_t allowance_ = 0;
-  StepLimit steps_;
+  bool isBounded_ = false;
 };
 
 /// Opens `path` with `database` if something is there, and answers whether that succeeded. Creates

@@ -69,7 +69,7 @@ Value Sqlite::columnData_columnIndex(const Statement& statement, int index) {
 }
 
 std::string Sqlite::columnName_columnIndex(const Statement& statement, int index) {
-  return textOf(sqlite3_column_name(statement.get(), index));
+  return textOf(statement ? sqlite3_column_name(statement.get(), index) : nullptr);
 }
 
 }  // namespace tasselby

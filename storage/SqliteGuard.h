@@ -1,54 +1,44 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
 
 struct sqlite3;
 struct sqlite3_stmt;
 
 namespace tasselby {
 
-/// Opens `path` for reading and writing, creating it when missing, and answers SQLite's result
-/// code. `connection` is set after most failures too.
-///
-/// The files come from anybody's home folder. What such a file says stays within it: no code is
-/// loaded, no other file is opened or removed, and what its schema would run by itself is not run.
-/// No file that a browser writes reads or changes differently for that.
-int openGuarded(const std::string& path, sqlite3*& connection);
+/// Lets nothing that the file behind `connection` says run by itself.
+void guard(sqlite3* connection);
 
-/// Prepares the first statement of `sql`, whose size may exceed all bounds, and answers SQLite's
-/// result code. It fails for a file whose schema calls functions, as no browser's does: a single
-/// call could take hours.
-int prepareGuarded(sqlite3* connection, const std::string& sql, sqlite3_stmt*& statement);
+/// Prepares the first statement of `sql` and answers SQLite's result code. It fails for a file
+/// whose schema calls functions.
+int prepareGuarded(sqlite3* connection, const char* sql, sqlite3_stmt*& statement);
 
-/// How many bytes a result from the file of `connection` may take. Many times what a sound file of
-/// its size can need.
-std::int64_t allowanceFor(sqlite3* connection);
+/// What one statement may spend while it is prepared and stepped: for each byte of its file and its
+/// text several times what the costliest of the worker's own takes. One that a schema makes compute
+/// without end fails within seconds.
+class Allowance {
+ public:
+  /// For the statement `sql`, null for none, on `connection`, which is without bounds afterwards.
+  /// A null connection has none now.
+  Allowance(sqlite3* connection, const char* sql);
+  Allowance(const Allowance&) = delete;
+  Allowance& operator=(const Allowance&) = delete;
+  ~Allowance();
 
-/// For so many of those bytes, one step of SQLite's machine may be spent on the file by all
-/// statements together.
-inline constexpr std::int64_t kBytesPerStep = 4;
+  /// Counts the time anew, as after a wait for a lock.
+  void restart();
 
-/// The steps that every statement may take beyond those. One that finds its row by an index takes
-/// some dozens.
-inline constexpr std::int64_t kStepsPerStatement = 1 << 12;
+  /// Takes `bytes` for the result. Answers whether they were left.
+  bool take(std::size_t bytes);
 
-/// Counts what is left to spend.
-struct StepLimit {
-  std::int64_t left = 0;
-  /// The processor time at the last count, in nanoseconds; 0 before the first.
-  std::int64_t counted = 0;
+ private:
+  sqlite3* connection_;
+  std::int64_t resultBytes_ = 0;
+  /// In nanoseconds of this thread's processor time.
+  std::int64_t time_ = 0;
+  std::int64_t started_ = 0;
 };
-
-/// Adds `steps` for a statement or a further try of one, less those that the time since the last
-/// count stands for. Answers whether there are any to spend.
-bool addSteps(StepLimit& limit, std::int64_t steps);
-
-/// Lets every statement on `connection` count its steps down from `limit`, and fail once that is
-/// negative. A step that takes long counts as many. `limit` has to live until `removeStepLimit`.
-void limitSteps(sqlite3* connection, StepLimit& limit);
-
-/// Ends that; `limit` is not touched again.
-void removeStepLimit(sqlite3* connection);
 
 }  // namespace tasselby

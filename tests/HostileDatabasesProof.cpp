@@ -19,8 +19,8 @@ const std::string kEndless = "WITH c(host) AS (SELECT 1 UNION ALL SELECT host FR
 
 TEST_F(HostileDatabases, OpensPlainFilesOnly) {
   ASSERT_EQ(::mkfifo(home.path("pipe").c_str(), 0600), 0);
-  for (const std::string& odd : {std::string(), home.path("pipe"), home.home(),
-                                 home.path("nul") + '\0', std::string("file:///tmp?mode=ro")}) {
+  for (const std::string& odd : {home.path("pipe"), home.home(), home.path("nul") + '\0',
+                                 std::string("file:///tmp?mode=ro")}) {
     EXPECT_FALSE(sqlite.open(odd)) << odd;
   }
   plainly(path, "CREATE TABLE t (a)");
@@ -58,18 +58,19 @@ TEST_F(HostileDatabases, ReadsNothingFromWhatIsNoSoundTable) {
   }
 }
 
-TEST_F(HostileDatabases, EndsStatementsThatWouldNotEnd) {
+TEST_F(HostileDatabases, EndsStatementsThatWouldNotEndAndGoesOnWithTheNext) {
   ASSERT_TRUE(sqlite.open(path));
-  EXPECT_LT(rowsOf(kEndless + "SELECT zeroblob(1 << 20) FROM c"), 65U);
-  EXPECT_EQ(sqlite.executeQuery(kEndless + "SELECT * FROM c WHERE host = 2"), RowList());
-  EXPECT_EQ(sqlite.errorCode(), SQLITE_INTERRUPT);
-}
-
-TEST_F(HostileDatabases, AllowsAFileMoreOnceItHasGrown) {
-  ASSERT_TRUE(sqlite.open(path));
-  sqlite.executeNonQuery("CREATE TABLE t (a)");
-  sqlite.executeNonQuery("INSERT INTO t " + kEndless + "SELECT zeroblob(8192) FROM c LIMIT 70");
-  EXPECT_EQ(rowsOf("SELECT zeroblob(1 << 20) FROM t"), 70U);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_LT(rowsOf(kEndless + "SELECT zeroblob(1 << 20) FROM c"), 65U);
+    EXPECT_EQ(sqlite.executeQuery(kEndless + "SELECT * FROM c WHERE host = 2"), RowList());
+    EXPECT_EQ(sqlite.errorCode(), SQLITE_INTERRUPT);
+  }
+  // More than a file may ask for, on a connection that is used as it is.
+  Sqlite other;
+  other.set_db(sqlite._db());
+  sqlite.set_db(nullptr);
+  const auto rows = other.executeQuery("SELECT zeroblob(8 << 20) UNION ALL SELECT hex(1)");
+  EXPECT_EQ(rows.value_or(RowList()).size(), 2U);
 }
 
 TEST_F(HostileDatabases, RunsNoTriggers) {

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <sqlite3.h>
@@ -23,7 +24,6 @@ TEST_F(SqliteTest, AnswersValuesByTheirStorageClass) {
 }
 
 TEST_F(SqliteTest, TellsNoResultFromNoRows) {
-  EXPECT_EQ(sqlite.executeQuery("SELECT 1"), std::nullopt) << "nothing is open";
   plainly(path, "CREATE TABLE t (a); INSERT INTO t VALUES (1), (2), (1 << 63)");
   ASSERT_TRUE(sqlite.open(path));
   EXPECT_EQ(sqlite.executeQuery("SELECT * FROM moz_logins;"), std::nullopt);
@@ -33,6 +33,39 @@ TEST_F(SqliteTest, TellsNoResultFromNoRows) {
   EXPECT_EQ(rowsOf("SELECT * FROM t"), 2U);
   EXPECT_TRUE(sqlite.executeNonQuery("DELETE FROM t"));
   EXPECT_FALSE(sqlite.executeNonQuery("SELECT 1")) << "a row is no completion";
+}
+
+TEST_F(SqliteTest, AnswersNoInEveryStateWithoutAnOpenDatabase) {
+  Sqlite never;
+  Sqlite failed(home.path("missing/x.db"));
+  Sqlite folder;
+  EXPECT_FALSE(folder.open(home.path("..")));
+  Sqlite given(path);
+  const Connection owned(given._db(), &sqlite3_close);
+  given.set_db(nullptr);
+  for (Sqlite* database : {&never, &failed, &folder, &given}) {
+    Sqlite::Statement statement;
+    EXPECT_FALSE(database->prepareSql_inStatament("SELECT 1", statement));
+    EXPECT_FALSE(database->hasData(statement) || database->executeStatament(statement));
+    EXPECT_EQ(Sqlite::columnData_columnIndex(statement, 0), Value(Null()));
+    EXPECT_EQ(Sqlite::columnName_columnIndex(statement, 0), "");
+    EXPECT_EQ(database->executeQuery("SELECT 1"), std::nullopt);
+    EXPECT_FALSE(database->executeNonQuery("SELECT 1") || database->beginTransaction() ||
+                 database->beginDeferredTransaction() || database->commit() ||
+                 database->rollback());
+    EXPECT_NE(database->errorMessage(), "");
+  }
+  EXPECT_EQ(failed.errorCode(), SQLITE_CANTOPEN);
+  EXPECT_TRUE(failed.open(path)) << failed.errorMessage();
+}
+
+TEST_F(SqliteTest, OpensDatabasesWithoutAFile) {
+  for (const char* name : {"", ":memory:"}) {
+    ASSERT_TRUE(sqlite.open(name));
+    EXPECT_TRUE(sqlite.executeNonQuery("CREATE TABLE t (a)"));
+    EXPECT_EQ(rowsOf("SELECT * FROM t"), 0U);
+    EXPECT_FALSE(std::filesystem::exists(":memory:"));
+  }
 }
 
 TEST_F(SqliteTest, BindsArgumentsByTheirKind) {
