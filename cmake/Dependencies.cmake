@@ -30,14 +30,14 @@ if(APPLE AND NOT (TASSELBY_STATIC AND utf8proc_ARCHIVE))
   message(FATAL_ERROR "The application needs utf8proc as an archive: libutf8proc.a was not found, "
     "or TASSELBY_STATIC is off")
 endif()
-tasselby_find(plist libplist-2.0 libplist-2.0.a)
+tasselby_find(expat expat libexpat.a)
 
 add_library(worker_dependencies INTERFACE)
 target_link_libraries(worker_dependencies INTERFACE sqlite utf8proc nlohmann_json::nlohmann_json)
 
 # Only the header of sd-bus is used; the library is loaded when a notification is due.
 add_library(offline_dependencies INTERFACE)
-target_link_libraries(offline_dependencies INTERFACE plist ${CMAKE_DL_LIBS})
+target_link_libraries(offline_dependencies INTERFACE expat ${CMAKE_DL_LIBS})
 pkg_check_modules(systemd IMPORTED_TARGET libsystemd)
 if(systemd_FOUND)
   target_include_directories(offline_dependencies SYSTEM INTERFACE ${systemd_INCLUDE_DIRS})

@@ -24,9 +24,6 @@ struct CloseFolder {
 };
 using Folder = std::unique_ptr<DIR, CloseFolder>;
 
-// A text larger than this is none that a browser or plug-in wrote.
-constexpr std::size_t kTextLimit = std::size_t{64} << 20;
-
 // Below a file there is never anything.
 constexpr const char* kNowhere = "/dev/null";
 
@@ -151,7 +148,7 @@ std::optional<std::string> FileManager::contentsOfFile(const std::string& path,
 }
 
 std::optional<std::string> FileManager::textOfFile(const std::string& path) const {
-  std::optional<std::string> text = contentsOfFile(path, kTextLimit);
+  std::optional<std::string> text = contentsOfFile(path, kFileLimit);
   return text && isValidUtf8(*text) ? text : std::nullopt;
 }
 

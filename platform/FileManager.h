@@ -8,6 +8,9 @@
 
 namespace tasselby {
 
+/// A larger file is none that a browser, a plug-in or the system wrote of those that are read whole.
+inline constexpr std::size_t kFileLimit = std::size_t{64} << 20;
+
 /// The file system. One implementation serves every POSIX system; another may stand in for it, and
 /// whoever is handed a file manager asks that one for everything.
 ///
@@ -56,7 +59,7 @@ class FileManager {
                                                     std::size_t limit) const;
 
   /// The whole text of the regular file at `path`, links followed. No value when `contentsOfFile`
-  /// has none within 64 MiB, or the bytes are no UTF-8.
+  /// has none within `kFileLimit`, or the bytes are no UTF-8.
   virtual std::optional<std::string> textOfFile(const std::string& path) const;
 
   /// Whether something is at `path` itself, a dangling link included.

@@ -25,9 +25,6 @@ constexpr std::array<const char*, 2> kCookieFiles = {
     "~/Library/Cookies/Cookies.binarycookies",
     "~/Library/Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies"};
 
-// Real files have a few kilobytes to a few megabytes.
-constexpr std::size_t kFileLimit = std::size_t{64} << 20;
-
 class SafariCookies final : public HTTPCookieStorage {
  public:
   explicit SafariCookies(const FileManager& files) : files_(files) {

@@ -28,8 +28,7 @@ bool isQuoted(std::string_view text) {
 bool boolOfValue(std::string_view value) {
   value = trimmed(value);
   if (value.starts_with('<')) {
-    // A bare element such as `<true/>` is no list to the parser.
-    return PropertyList("<plist>" + std::string(value) + "</plist>").boolValue();
+    return readXmlList(value, "").top.value_or(false);
   }
   return boolValueOfString(isQuoted(value) ? value.substr(1, value.size() - 2) : value);
 }

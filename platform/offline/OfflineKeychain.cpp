@@ -19,9 +19,6 @@ namespace {
 constexpr const char* kKeychain = "~/Library/Keychains/login.keychain-db";
 constexpr const char* kOlderKeychain = "~/Library/Keychains/login.keychain";
 
-// Real keychains have some ten kilobytes to a few megabytes.
-constexpr std::size_t kSizeLimit = std::size_t{64} << 20;
-
 // The authentication types that the system's search knows. It leaves out any other.
 constexpr std::array<std::string_view, 8> kAuthenticationTypes = {"ntlm", "msna", "dpaa", "rpaa",
                                                                   "http", "httd", "form", "dflt"};
@@ -82,7 +79,7 @@ class OfflineKeychain final : public Keychain {
     const std::string path = files_.expandTilde(kKeychain);
     // Deliberate: one that is there hides the older one even if it is damaged or no file.
     return files_.contentsOfFile(
-        files_.fileExistsAtPath(path) ? path : files_.expandTilde(kOlderKeychain), kSizeLimit);
+        files_.fileExistsAtPath(path) ? path : files_.expandTilde(kOlderKeychain), kFileLimit);
   }
 
   const FileManager& files_;

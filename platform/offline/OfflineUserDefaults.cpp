@@ -29,8 +29,8 @@ class OfflineUserDefaults final : public UserDefaults {
       return argument->second;
     }
     // Deliberate: the first domain that has the key decides, though its value be no boolean.
-    for (const PropertyList& domain : domains_) {
-      if (const std::optional<bool> value = domain.boolForKey(key)) {
+    for (const std::string& domain : domains_) {
+      if (const std::optional<bool> value = boolInPropertyList(domain, key)) {
         return *value;
       }
     }
@@ -47,7 +47,7 @@ class OfflineUserDefaults final : public UserDefaults {
     while (domains_.size() < names_.size()) {
       const std::string path =
           files_.expandTilde("~/Library/Preferences/" + names_[domains_.size()] + ".plist");
-      domains_.emplace_back(files_.contentsOfFile(path, kPropertyListLimit).value_or(""));
+      domains_.emplace_back(files_.contentsOfFile(path, kFileLimit).value_or(""));
     }
   }
 
@@ -56,7 +56,7 @@ class OfflineUserDefaults final : public UserDefaults {
   /// The domains that have files, in search order.
   std::vector<std::string> names_ = {kOwnDomain};
   /// Those that have been read.
-  mutable std::vector<PropertyList> domains_;
+  mutable std::vector<std::string> domains_;
   mutable std::optional<std::map<std::string, bool>> argumentDomain_;
 };
 

@@ -10,10 +10,11 @@ using namespace tasselby;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  const PropertyList list(bytes);
   for (const char* key : {"removeAll", "displayNotifications", "secureDeleteData", ""}) {
+    boolInBinaryList(bytes, key);
     // Only a dictionary has keys, and as a value that is false.
-    check(!list.boolForKey(key) || !list.boolValue());
+    const XmlList list = readXmlList(bytes, key);
+    check(!list.underKey || (list.top && !*list.top));
   }
   check(!boolValueOfString(bytes) || boolValueOfString(" \t" + std::string(bytes)));
   return 0;

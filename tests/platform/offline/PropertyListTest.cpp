@@ -1,50 +1,67 @@
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <plist/plist.h>
 #include <string>
 #include <vector>
 
 #include "platform/offline/PropertyList.h"
-#include "platform/offline/PropertyListBounds.h"
 
 namespace tasselby {
 namespace {
+
+using namespace std::string_literals;
 
 std::string dictionary(const std::string& content) {
   return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>" + content + "</dict></plist>";
 }
 
-std::string binary(const std::string& xml) {
-  plist_t root = nullptr;
-  plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &root);
-  char* bytes = nullptr;
-  std::uint32_t size = 0;
-  plist_to_bin(root, &bytes, &size);
-  std::string list(bytes, size);
-  std::free(bytes);
-  plist_free(root);
-  return list;
+std::string bigEndian(std::size_t number, int bytes) {
+  return bytes == 0 ? "" : bigEndian(number >> 8, bytes - 1) + static_cast<char>(number);
+}
+
+/// A binary list with `value` twice under "k", once in UTF-16, behind a true one; and beside it a
+/// dictionary that has itself under "k".
+std::string binary(const std::string& value) {
+  std::string list = "bplist00";
+  std::string offsets;
+  for (const std::string& object :
+       {"\xD4\1\2\1\3\4\5\6\6"s, "\x51k"s, "\x10k"s, "\x61\0k"s, "\x09"s, "\xD1\1\5"s, value}) {
+    offsets += bigEndian(list.size(), 2);
+    list += object;
+  }
+  return list + offsets + "\0\0\0\0\0\0\2\1"s + bigEndian(7, 8) + bigEndian(0, 8) +
+         bigEndian(list.size(), 8);
 }
 
 std::string repeated(int count, const std::string& text) {
-  return count == 0 ? "" : text + repeated(count - 1, text);
+  std::string all;
+  while (count-- > 0) {
+    all += text;
+  }
+  return all;
 }
 
-void expectValues(bool boolean, const std::vector<std::string>& values) {
+void expectValues(std::optional<bool> boolean, const std::vector<std::string>& values) {
   for (const std::string& value : values) {
-    const std::string xml = dictionary("<key>k</key>" + value);
-    EXPECT_EQ(PropertyList(xml).boolForKey("k"), boolean) << value;
-    EXPECT_EQ(PropertyList(binary(xml)).boolForKey("k"), boolean) << value;
-    EXPECT_EQ(PropertyList(xml).boolForKey("other"), std::nullopt) << value;
+    const std::string before = "<key>o</key><dict><key>k</key><true/></dict><key>k</key><true/>";
+    const std::string list =
+        value.starts_with('<') ? dictionary(before + "<key>k</key>" + value) : binary(value);
+    EXPECT_EQ(boolInPropertyList(list, "k"), boolean) << ::testing::PrintToString(value);
+    EXPECT_EQ(boolInPropertyList(list, "other"), std::nullopt);
   }
 }
 
-TEST(PropertyList, ValueDecidesByItsTypeInBothFormats) {
-  expectValues(true, {"<true/>", "<integer>1</integer>", "<integer>-1</integer>",
-                      "<real>0.5</real>", "<real>nan</real>", "<string>Y\u00e9s</string>"});
-  expectValues(false, {"<false/>", "<integer>0</integer>", "<real>0</real>", "<string>no</string>",
-                       "<string/>", "<date>2011-01-01T00:00:00Z</date>", "<data>WUVT</data>",
-                       "<array><true/></array>", "<dict><key>k</key><true/></dict>"});
+TEST(PropertyList, LastValueOfAKeyDecidesByItsTypeInBothFormats) {
+  expectValues(true,
+               {"<true/>", "<integer> -1</integer>", "<integer>0x0a</integer>", "<real>0.5</real>",
+                "<real>nan</real>", "<string>Y\u00e9s</string>", "<string>&#89;es</string>", "\x09",
+                "\x13\xFF\0\0\0\0\0\0\0"s, "\x14"s + std::string(15, '\0') + "\1", "\x22\0\0\0\1"s,
+                "\x23\x7F\xF8\0\0\0\0\0\0"s, "\x53yes", "\x5F\x10\x02\t1", "\x62\0Y\x20\xAC"s});
+  expectValues(false, {"<false/>", "<integer>-0</integer><!--1-->", "<real>-0</real>", "<string/>",
+                       "<date>2011-01-01T00:00:00Z</date>", "<data>WUVT</data>", "<new>1</new>",
+                       "<array><true/></array>", "\x08", "\0"s, "\x12\0\0\0\0"s, "\x22\x80\0\0\0"s,
+                       "\x50", "\x61\x59\0"s, "\xD1\1\4", "\xAF\x17", "\x43yes", "\x80\1"});
+  expectValues(std::nullopt,
+               {"\x13\1", "\x15" + std::string(32, '\1'), "\x5F", "\x5F\x51", "\x5F\x14",
+                "\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", "<true>", "<key>k</key>"});
 }
 
 TEST(PropertyList, StringIsTrueForALetterOfYesAndForANumber) {
@@ -57,41 +74,34 @@ TEST(PropertyList, StringIsTrueForALetterOfYesAndForANumber) {
 }
 
 TEST(PropertyList, DamagedListHasNoKeys) {
-  const std::string xml = dictionary("<key>k</key><true/>");
-  std::vector<std::string> damaged = {"<dict><key>k</key><true/>",
-                                      dictionary("<key>k</key><yes/>"),
-                                      "\xEF\xBB\xBF" + xml,
-                                      "{ k = YES; }",
-                                      "{\"k\": true}",
-                                      "<array><true/></array>",
-                                      binary(xml) + '\0',
-                                      xml + std::string(kPropertyListLimit, ' ')};
-  for (std::size_t size = 0; size < binary(xml).size(); ++size) {
-    damaged.push_back(binary(xml).substr(0, size));
+  const std::string member = "<key>k</key><true/>";
+  const std::string xml = dictionary(member);
+  std::vector<std::string> damaged = {
+      dictionary(member + "<key>o</key>"),
+      dictionary(member + "<true/>"),
+      "<!DOCTYPE plist [<!ENTITY e 'e'>]>" + dictionary(member).substr(21),
+      "{ k = YES; }",
+      "{\"k\": true}",
+      "<array>" + member + "</array>",
+      binary("\x09") + '\0',
+      xml + xml};
+  for (const std::string& list : {xml, binary("\x09")}) {
+    for (std::size_t size = 0; size < list.size(); ++size) {
+      damaged.push_back(list.substr(0, size));
+    }
   }
   for (const std::string& bytes : damaged) {
-    EXPECT_EQ(PropertyList(bytes).boolForKey("k"), std::nullopt) << bytes;
+    EXPECT_EQ(boolInPropertyList(bytes, "k"), std::nullopt) << bytes;
   }
 }
 
-TEST(PropertyList, WhatWouldExhaustStackOrMemoryIsNotParsed) {
-  const std::string deep = repeated(500, "<array>") + repeated(500, "</array>");
-  EXPECT_TRUE(isWithinBounds(dictionary(repeated(600, "<key>a</key><dict/>") + deep + deep)));
-  EXPECT_TRUE(isWithinBounds(binary(deep)));
-  EXPECT_FALSE(isWithinBounds(binary(repeated(50, "<array>") + deep + repeated(50, "</array>"))));
-  for (const char* level : {"<array>", "<dict ><key>a</key>", "<array><!--</array>-->",
-                            "<array a=\"</array>\">", "<array><true a=\"</array>\"/>"}) {
-    EXPECT_FALSE(isWithinBounds(repeated(600, level))) << level;
-  }
-  std::string doubling = "bplist00";
-  std::string offsets;
-  for (char level = 1; level <= 30; ++level) {
-    offsets += static_cast<char>(doubling.size());
-    doubling += {'\xA2', level, level};
-  }
-  doubling += '\x09' + offsets + static_cast<char>(98) + std::string(6, '\0') + "\1\1";
-  doubling += std::string(7, '\0') + static_cast<char>(31) + std::string(15, '\0') + '\x63';
-  EXPECT_FALSE(isWithinBounds(doubling));
+TEST(PropertyList, NestingNeitherHidesAKeyNorTakesMemoryWithoutBound) {
+  const auto nested = [](int depth) {
+    return dictionary("<key>o</key>" + repeated(depth, "<dict><key>k</key>") +
+                      repeated(depth, "</dict>") + "<key>k</key><true/>");
+  };
+  EXPECT_EQ(boolInPropertyList(nested(100'000), "k"), true);
+  EXPECT_EQ(boolInPropertyList(nested(300'000), "k"), std::nullopt);
 }
 
 }  // namespace
