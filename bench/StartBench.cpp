@@ -23,9 +23,9 @@ double startRatio(const std::vector<std::string>& command, const std::string& ho
 std::vector<Comparison> startBenchmarks(const std::string& worker) {
   const Scratch scratch;
   const std::string home = scratch.path("Users/anna/");
-  return {{"refused start, processor time", "/bin/true", startRatio({worker}, home), 1.5},
+  return {{"refused start, processor time", "/bin/true", startRatio({worker}, home), 1.35},
           {"run over an empty home, processor time", "/bin/true",
-           startRatio({worker, "Safari"}, home), 2.5}};
+           startRatio({worker, "Safari"}, home), 1.5}};
 }
 
 }  // namespace tasselby
