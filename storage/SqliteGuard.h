@@ -35,7 +35,8 @@ class Allowance {
 
  private:
   sqlite3* connection_;
-  std::int64_t resultBytes_ = 0;
+  /// What the result may still weigh, in bytes.
+  std::int64_t memory_ = 0;
   /// In nanoseconds of this thread's processor time.
   std::int64_t time_ = 0;
   std::int64_t started_ = 0;
