@@ -3,5 +3,3 @@
 #define mkdtemp mkdtemp_is_in_unistd_h
 #include_next <stdlib.h>
 #undef mkdtemp
-
-extern "C" void srandomdev(void);

@@ -3,22 +3,9 @@
 // What libc++ asks of a Mac's locales.
 
 #include <locale.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <wchar.h>
+#include <stddef.h>
 
 extern "C" {
-int MB_CUR_MAX_L(locale_t);
-wint_t btowc_l(int, locale_t);
-int wctob_l(wint_t, locale_t);
-size_t wcsnrtombs_l(char*, const wchar_t**, size_t, size_t, mbstate_t*, locale_t);
-size_t wcrtomb_l(char*, wchar_t, mbstate_t*, locale_t);
-size_t mbsnrtowcs_l(wchar_t*, const char**, size_t, size_t, mbstate_t*, locale_t);
-size_t mbrtowc_l(wchar_t*, const char*, size_t, mbstate_t*, locale_t);
-int mbtowc_l(wchar_t*, const char*, size_t, locale_t);
-size_t mbrlen_l(const char*, size_t, mbstate_t*, locale_t);
-lconv* localeconv_l(locale_t);
-size_t mbsrtowcs_l(wchar_t*, const char**, size_t, mbstate_t*, locale_t);
 int snprintf_l(char*, size_t, locale_t, const char*, ...);
 int asprintf_l(char**, locale_t, const char*, ...);
 int sscanf_l(const char*, locale_t, const char*, ...);

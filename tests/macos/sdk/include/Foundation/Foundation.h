@@ -38,7 +38,8 @@ struct NSFastEnumerationState {
 - (BOOL)isKindOfClass:(Class)kind;
 - (NSString*)description;
 @end
-__attribute__((objc_root_class)) @interface NSObject<NSObject>
+__attribute__((objc_root_class))
+@interface NSObject<NSObject>
 + (instancetype)alloc;
 + (Class)class;
 - (instancetype)init;

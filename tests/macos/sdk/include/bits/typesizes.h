@@ -14,5 +14,3 @@
 #define __OFF_T_TYPE long long
 #undef __RLIM_T_TYPE
 #define __RLIM_T_TYPE unsigned long long
-#undef __SUSECONDS_T_TYPE
-#define __SUSECONDS_T_TYPE int

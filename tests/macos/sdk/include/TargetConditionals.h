@@ -1,3 +1,0 @@
-#pragma once
-
-#define TARGET_OS_MAC 1
