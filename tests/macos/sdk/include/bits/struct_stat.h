@@ -1,11 +1,9 @@
-#pragma once
-
 // A Mac's times have other names.
 
 #define st_atim st_atimespec
 #define st_mtim st_mtimespec
 #define st_ctim st_ctimespec
-#include_next <sys/stat.h>
+#include_next <bits/struct_stat.h>
 #undef st_atim
 #undef st_mtim
 #undef st_ctim

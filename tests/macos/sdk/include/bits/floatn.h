@@ -1,0 +1,7 @@
+// No type has more bits than "long double".
+
+#define __HAVE_FLOAT128 0
+#define __HAVE_DISTINCT_FLOAT128 0
+#define __HAVE_FLOAT64X 0
+#define __HAVE_FLOAT64X_LONG_DOUBLE 0
+#include <bits/floatn-common.h>
