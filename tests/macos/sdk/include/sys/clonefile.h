@@ -1,0 +1,3 @@
+#pragma once
+
+extern "C" int clonefile(const char* from, const char* to, int flags);
