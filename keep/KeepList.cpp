@@ -8,14 +8,14 @@ KeepList::KeepList(std::initializer_list<std::string> sites) {
   }
 }
 
-void KeepList::add(const std::string& site) {
-  if (members_.insert(site).second) {
+void KeepList::add(const std::string& site, const std::string& source) {
+  if (sources_.emplace(site, source).second) {
     sites_.push_back(site);
   }
 }
 
 bool KeepList::contains(const std::optional<std::string>& site) const {
-  return site && members_.contains(*site);
+  return site && sources_.contains(*site);
 }
 
 }  // namespace tasselby

@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 namespace tasselby {
@@ -15,8 +15,8 @@ class KeepList {
   /// A list of `sites` in their order.
   KeepList(std::initializer_list<std::string> sites);
 
-  /// Appends `site` unless it is there.
-  void add(const std::string& site);
+  /// Appends `site` unless it is there. `source` says for a reader what keeps it.
+  void add(const std::string& site, const std::string& source = "");
 
   /// Whether `site` is kept, in constant time. No site is never kept.
   bool contains(const std::optional<std::string>& site) const;
@@ -24,9 +24,12 @@ class KeepList {
   /// All sites, in the order they were added.
   const std::vector<std::string>& sites() const { return sites_; }
 
+  /// What keeps `site`, one that is kept, in the words with which it was first added.
+  const std::string& sourceOf(const std::string& site) const { return sources_.at(site); }
+
  private:
   std::vector<std::string> sites_;
-  std::unordered_set<std::string> members_;
+  std::unordered_map<std::string, std::string> sources_;
 };
 
 }  // namespace tasselby

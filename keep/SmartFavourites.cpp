@@ -1,6 +1,7 @@
 // The two keep lists: the sites of saved web-form passwords, from the keychain or, for Firefox,
 // from its own profiles.
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,7 +41,7 @@ KeepList WorkerAppDelegate::getSmartFavouritesArray() const {
     }
     const auto site = WorkerExtras::siteWithDomainName(valueOf(item, kServerCode));
     if (site && !isLocal(*site)) {
-      sites.add(*site);
+      sites.add(*site, *valueOf(item, kServerCode) + " in the login keychain");
     }
   }
   return sites;
@@ -53,6 +54,7 @@ KeepList WorkerAppDelegate::getFirefoxSmartFavouritesArray() const {
     if (!database.open(path)) {
       continue;
     }
+    const std::string profile = std::filesystem::path(path).parent_path().filename().native();
     for (const Row& login :
          database.executeQuery("SELECT * FROM moz_logins;").value_or(RowList{})) {
       const std::string* host = login.text("hostname");
@@ -60,7 +62,7 @@ KeepList WorkerAppDelegate::getFirefoxSmartFavouritesArray() const {
       // cut ("https://example.com"), and machines of the user's own network are sites here.
       const auto site = host != nullptr ? WorkerExtras::siteWithDomainName(*host) : std::nullopt;
       if (site) {
-        sites.add(*site);
+        sites.add(*site, *host + " in Firefox's profile " + profile);
       }
     }
   }

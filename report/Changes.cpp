@@ -1,60 +1,125 @@
 #include "report/Changes.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <system_error>
-#include <tuple>
+#include <utility>
 
 #include "keep/WorkerExtras.h"
-#include "report/Stores.h"
+#include "platform/BinaryCookies.h"
+#include "platform/FileManager.h"
+#include "storage/Sqlite.h"
 
 namespace tasselby {
 namespace fs = std::filesystem;
 
 namespace {
 
-bool isBelowOne(const std::set<std::string>& removed, std::string path) {
-  while (!path.empty() && !removed.contains(path)) {
-    path.erase(path.rfind('/'));
+using Paths = std::set<std::string>;
+
+constexpr std::array<std::string_view, 8> kStores = {
+    "Cookies",      "cookies.sqlite",    "Cookies.binarycookies", "Origin Bound Certs",
+    "Databases.db", "StorageTracker.db", "webappsstore.sqlite",   "signons.sqlite"};
+
+constexpr const char* kNotKept = "not kept";
+constexpr const char* kNeverKept = "never kept";
+
+/// One table that a run deletes from, and why. Where it has no names, SQLite takes what is quoted
+/// for one.
+struct Table {
+  const char* query;
+  const char* unit;
+  const char* why;
+  /// Why a row of a kept site goes.
+  const char* whyThough;
+};
+
+constexpr std::array<Table, 7> kTables = {{
+    {"", "cookies", kNotKept, "tracking"},
+    {"SELECT host_key AS host, CAST(\"name\" AS TEXT) AS name FROM cookies;", "cookies", kNotKept,
+     "tracking"},
+    {"SELECT host, CAST(\"name\" AS TEXT) AS name FROM moz_cookies;", "cookies", kNotKept,
+     "tracking"},
+    {"SELECT origin AS host FROM origin_bound_certs;", "rows", kNotKept, kNotKept},
+    {"SELECT origin AS host FROM Databases;", "rows", kNeverKept, kNeverKept},
+    {"SELECT origin AS host FROM Origins;", "rows", kNotKept, kNotKept},
+    {"SELECT scope AS host, CAST(\"key\" AS TEXT) AS name FROM webappsstore2;", "rows", kNotKept,
+     kNotKept},
+}};
+
+constexpr std::string_view kCookieFileStart = "cook";
+constexpr std::size_t kCookieFileLimit = std::size_t{64} << 20;
+
+/// Reads the cookies and rows in the store at `path`, sorted, and sets `unit`. SQLite may write
+/// beside the store.
+std::vector<Item> rowsOf(const std::string& path, const KeepList& keepList, std::string& unit) {
+  std::vector<Item> rows;
+  const auto add = [&](const Table& table, std::string host, std::string name) {
+    const bool kept = keepList.contains(WorkerExtras::siteWithDomainName(host));
+    rows.push_back({std::move(host), std::move(name), kept ? table.whyThough : table.why});
+    unit = table.unit;
+  };
+  std::string start(kCookieFileStart.size(), '\0');
+  std::ifstream(path, std::ios::binary).read(start.data(), std::ssize(start));
+  if (start == kCookieFileStart) {
+    const auto file = FileManager("").contentsOfFile(path, kCookieFileLimit).value_or("");
+    for (const BinaryCookie& cookie : parseBinaryCookies(file).cookies) {
+      add(kTables[0], std::string(cookie.domain), std::string(cookie.name));
+    }
   }
-  return !path.empty();
+  Sqlite database;
+  database.open(path);
+  for (const Table& table : kTables) {
+    for (const Row& row : database.executeQuery(table.query).value_or(RowList{})) {
+      const std::string* host = row.text("host");
+      const std::string* name = row.text("name");
+      add(table, host != nullptr ? *host : "", name != nullptr ? *name : "");
+    }
+  }
+  std::ranges::sort(rows);
+  return rows;
 }
 
-const char* whyRow(const StoredRow& row, const KeepList& keepList) {
-  if (!row.canBeKept) {
-    return "never kept";
+std::string folderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/'));
+}
+
+bool isGone(const Paths& removed, std::string path) {
+  while (!path.empty() && !removed.contains(path)) {
+    path = folderOf(path);
   }
-  const bool kept = keepList.contains(WorkerExtras::siteWithDomainName(row.host));
-  return kept && row.unit == "cookies" ? "tracking" : "not kept";
+  return !path.empty();
 }
 
 const char* whyFile(const fs::path& path) {
   const std::string name = path.filename().native();
   const std::string folder = path.parent_path().filename().native();
-  if (path.native().find("/Library/Caches/") != std::string::npos || folder == "MediaCache" ||
-      name.ends_with("Cache") || name.starts_with("Cache") || name == "ApplicationCache.db") {
+  if (path.native().find("/Library/Caches/") != std::string::npos || name.starts_with("Cache") ||
+      name.ends_with("Cache") || name == "ApplicationCache.db") {
     return "cache";
   }
-  return name.ends_with(".plist") || folder == "Databases" || folder == "databases" ? "never kept"
-                                                                                    : "not kept";
+  const bool ofEverySite =
+      name.ends_with(".plist") || folder == "Databases" || folder == "databases";
+  return ofEverySite ? kNeverKept : kNotKept;
 }
 
-/// Adds the files that go with `path`; an empty folder is one itself.
-void addFiles(Place& place, const std::string& path, const std::set<std::string>& removed) {
-  const char* why = whyFile(path);
-  std::error_code error;
+/// The files that go with `path`; a folder without any is one itself.
+void addFiles(std::vector<Item>& gone, const std::string& path, const Paths& removed) {
+  const std::size_t before = gone.size();
   const auto add = [&](const fs::directory_entry& entry) {
-    const bool isFile = entry.is_regular_file(error) && !entry.is_symlink(error);
+    std::error_code error;
+    const bool isFile = fs::is_regular_file(entry.symlink_status(error));
     const std::uintmax_t bytes = isFile ? entry.file_size(error) : 0;
-    place.gone.push_back({entry.path().native(), "", "", why, error ? 0 : bytes});
-    place.bytes += place.gone.back().bytes;
+    gone.push_back({entry.path().native(), "", whyFile(path), error ? 0 : bytes});
   };
+  std::error_code error;
   const fs::directory_entry top(path, error);
-  const std::size_t before = place.gone.size();
   if (fs::is_directory(top.symlink_status(error))) {
     fs::recursive_directory_iterator item(path, error);
-    for (const fs::recursive_directory_iterator end; !error && item != end; item.increment(error)) {
+    for (; !error && item != end(item); item.increment(error)) {
       if (removed.contains(item->path().native())) {
         item.disable_recursion_pending();
       } else if (!fs::is_directory(item->symlink_status(error))) {
@@ -62,74 +127,59 @@ void addFiles(Place& place, const std::string& path, const std::set<std::string>
       }
     }
   }
-  if (place.gone.size() == before) {
+  if (gone.size() == before) {
     add(top);
   }
 }
 
-std::size_t namesLeft(const std::string& folder, const std::set<std::string>& removed) {
+std::size_t namesLeft(const std::string& folder, const Paths& removed) {
   std::size_t left = 0;
   std::error_code error;
-  fs::directory_iterator item(isBelowOne(removed, folder) ? "" : folder, error);
-  for (const fs::directory_iterator end; !error && item != end; item.increment(error)) {
+  fs::directory_iterator item(isGone(removed, folder) ? "" : folder, error);
+  for (; !error && item != end(item); item.increment(error)) {
     left += removed.contains(item->path().native()) ? 0 : 1;
   }
   return left;
 }
 
-std::map<std::string, Place> folderChanges(const std::set<std::string>& removed) {
-  std::map<std::string, Place> places;
-  for (const std::string& path : removed) {
-    const std::string folder = path.substr(0, path.rfind('/'));
-    Place& place = places[folder];
-    if (place.unit.empty()) {
-      place = {folder, "files", {}, 0, namesLeft(folder, removed)};
-    }
-    addFiles(place, path, removed);
-  }
-  return places;
-}
-
-Place storeChanges(const std::string& before, const std::string& after, const KeepList& keepList) {
-  const std::vector<StoredRow> old = rowsOf(before);
-  const std::vector<StoredRow> left = rowsOf(after);
-  std::vector<StoredRow> gone;
-  std::ranges::set_difference(old, left, std::back_inserter(gone));
-  Place place;
-  for (const StoredRow& row : gone) {
-    place.unit = row.unit;
-    place.gone.push_back({"", row.host, row.name, whyRow(row, keepList)});
-  }
-  place.stays = left.size();
-  return place;
-}
-
 }  // namespace
 
-Changes changesOf(const Outcome& outcome, const KeepList& keepList, const ScratchFolder& scratch) {
-  Changes changes;
-  std::set<std::string> lookedAt = outcome.lookedAt;
-  for (auto& [folder, place] : folderChanges(outcome.removed)) {
-    lookedAt.erase(folder);
-    changes.places.push_back(std::move(place));
+bool isStore(std::string_view name) {
+  return std::ranges::find(kStores, name) != kStores.end();
+}
+
+std::vector<Place> changesOf(const Outcome& outcome, const KeepList& keepList,
+                             const ScratchFolder& scratch) {
+  std::map<std::string, Place> byPath;
+  for (const std::string& folder : outcome.lookedAt) {
+    byPath[folder];
+  }
+  for (const std::string& path : outcome.removed) {
+    addFiles(byPath[folderOf(path)].gone, path, outcome.removed);
+  }
+  for (auto& [folder, place] : byPath) {
+    place.stays = place.gone.empty() ? 0 : namesLeft(folder, outcome.removed);
   }
   for (const auto& [path, after] : outcome.stores) {
-    const std::string before = scratch.path() + "/before" + path;
-    scratch.copyDatabase(path, before);
-    Place place = storeChanges(before, after, keepList);
-    if (!place.gone.empty() && !isBelowOne(outcome.removed, path)) {
-      place.path = path;
-      changes.places.push_back(std::move(place));
-    } else {
-      lookedAt.insert(path);
+    if (!isGone(outcome.removed, path)) {
+      const std::string before = scratch.path() + "/before" + path;
+      scratch.copyStore(path, before);
+      Place& place = byPath[path];
+      const std::vector<Item> left = rowsOf(after, keepList, place.unit);
+      std::ranges::set_difference(rowsOf(before, keepList, place.unit), left,
+                                  std::back_inserter(place.gone));
+      place.stays = left.size();
     }
   }
-  std::ranges::sort(changes.places, [](const Place& one, const Place& other) {
-    return std::tuple(other.gone.size(), other.bytes, one.path) <
-           std::tuple(one.gone.size(), one.bytes, other.path);
+  std::vector<Place> places;
+  for (auto& [path, place] : byPath) {
+    places.push_back(std::move(place));
+    places.back().path = path;
+  }
+  std::ranges::stable_sort(places, [](const Place& one, const Place& other) {
+    return one.gone.size() > other.gone.size();
   });
-  changes.untouched = lookedAt.size();
-  return changes;
+  return places;
 }
 
 }  // namespace tasselby

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "keep/KeepList.h"
@@ -15,44 +17,56 @@ namespace tasselby {
 struct Outcome {
   /// Files, links and folders that went, folders with all that was in them.
   std::set<std::string> removed;
-  /// Stores that rows were removed from, perhaps: each as it was, and its copy as it is afterwards.
+  /// Stores that may have lost rows: each as it was, and a copy as it is afterwards.
   std::map<std::string, std::string> stores;
   /// Folders in which something could have gone.
   std::set<std::string> lookedAt;
 };
 
+/// Whether a run opens the file `name` by its path, and may change what it holds.
+bool isStore(std::string_view name);
+
 /// Something that goes.
 struct Item {
-  /// A file or folder: its path. A cookie or row: its host and name, as far as it has them.
-  std::string path;
-  std::string host;
+  /// The path of a file or empty folder; the host of a cookie or row.
+  std::string what;
+  /// The name of a cookie or row, if it has one.
   std::string name;
   /// "cache", "tracking", "not kept", or "never kept" for what goes of every site.
   std::string why;
+  /// The size of a file.
   std::uintmax_t bytes = 0;
+
+  auto operator<=>(const Item&) const = default;
 };
 
-/// A place that loses something: a store its cookies or rows, a folder its files.
+/// A place where something goes or could: a store of cookies or rows, a folder of files.
 struct Place {
   std::string path;
   /// "cookies", "rows" or "files".
-  std::string unit;
+  std::string unit = "files";
   std::vector<Item> gone;
-  /// The size of the files that go.
-  std::uintmax_t bytes = 0;
   /// What stays there: cookies or rows of a store, names in a folder.
   std::size_t stays = 0;
 };
 
-struct Changes {
-  /// The places, those that lose most first.
-  std::vector<Place> places;
-  /// How many other places were looked at.
-  std::size_t untouched = 0;
-};
+/// What `outcome` comes to, those places first that lose most, where the sites in `keepList` were
+/// kept. Stores as they were are read from copies made in `scratch`.
+std::vector<Place> changesOf(const Outcome& outcome, const KeepList& keepList,
+                             const ScratchFolder& scratch);
 
-/// What `outcome` comes to, with the sites in `keepList` kept. What was there before the run is
-/// read from copies that are made in `scratch`.
-Changes changesOf(const Outcome& outcome, const KeepList& keepList, const ScratchFolder& scratch);
+/// All there is to say of a run.
+struct RunResult {
+  std::string browser;
+  /// The home folder and the volume that it is on, without links in their paths.
+  std::string home;
+  std::string volume;
+  KeepList kept;
+  std::vector<Place> places;
+  /// The text of its report; empty when it ended before.
+  std::string report;
+  /// What it ended hard at; empty when it did not.
+  std::string endedAt;
+};
 
 }  // namespace tasselby

@@ -3,9 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Platform.h"
+#include "platform/FileManager.h"
 #include "report/Changes.h"
-#include "report/RunResult.h"
 #include "report/ScratchFolder.h"
 
 namespace tasselby {

@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -58,38 +57,29 @@ ScratchFolder::~ScratchFolder() {
   fs::remove_all(path_, ignored);
 }
 
-void ScratchFolder::copy(const std::string& from, const std::string& to) const {
-  struct stat status{};
-  struct statvfs room{};
-  if (::stat(from.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
-      ::access(from.c_str(), R_OK) != 0) {
-    return;
-  }
-  if (::statvfs(path_.c_str(), &room) != 0 ||
-      3 * static_cast<std::uintmax_t>(status.st_size) + kSpareRoom >
-          std::uintmax_t{room.f_bavail} * room.f_frsize) {
-    throw ScratchError();
-  }
-  std::error_code error;
-  fs::create_directories(fs::path(to).parent_path(), error);
-  if (!clone(from, to)) {
-    fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
-  }
-  const mode_t mode = mayRemove(from) && ::access(from.c_str(), W_OK) == 0 ? S_IWUSR : 0;
-  if (error || ::chmod(to.c_str(), S_IRUSR | mode) != 0) {
-    throw ScratchError();
-  }
-}
-
-void ScratchFolder::copyDatabase(const std::string& from, const std::string& to) const {
+void ScratchFolder::copyStore(const std::string& from, const std::string& to) const {
   for (const char* ending : {"", "-journal", "-wal"}) {
     copy(from + ending, to + ending);
   }
 }
 
-bool mayRemove(const std::string& path) {
-  const std::string folder = path.substr(0, path.rfind('/') + 1);
-  return ::access(folder.c_str(), W_OK | X_OK) == 0;
+void ScratchFolder::copy(const std::string& from, const std::string& to) const {
+  std::error_code error;
+  const fs::path folder = fs::path(from).parent_path();
+  if (!fs::is_regular_file(from, error) || ::access(from.c_str(), R_OK) != 0) {
+    return;
+  }
+  if (3 * fs::file_size(from, error) + kSpareRoom > fs::space(path_, error).available) {
+    throw ScratchError();
+  }
+  fs::create_directories(fs::path(to).parent_path(), error);
+  if (!clone(from, to)) {
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+  }
+  const bool writable = ::access(from.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
+  if (error || ::chmod(to.c_str(), writable ? S_IRUSR | S_IWUSR : S_IRUSR) != 0) {
+    throw ScratchError();
+  }
 }
 
 }  // namespace tasselby

@@ -23,20 +23,16 @@ class ScratchFolder {
   /// The folder's path, without links in it.
   const std::string& path() const { return path_; }
 
-  /// Makes `to`, a path below the folder, a copy of the regular file `from`: a clone that shares
-  /// the bytes where the file system can. It can be written if `from` could be. What cannot be read
-  /// or is no regular file is not copied. Throws `ScratchError` without room for the copy and for
-  /// what an SQLite journal of it can take.
-  void copy(const std::string& from, const std::string& to) const;
-
-  /// The same for a database with what SQLite keeps beside it.
-  void copyDatabase(const std::string& from, const std::string& to) const;
+  /// Makes `to`, a path below the folder, a copy of the file `from`, with what SQLite keeps beside
+  /// it: clones that share the bytes where the file system can. It can be written if `from` could
+  /// be. What cannot be read or is no regular file is not copied. Throws `ScratchError` without
+  /// room for the copy and a journal of it.
+  void copyStore(const std::string& from, const std::string& to) const;
 
  private:
+  void copy(const std::string& from, const std::string& to) const;
+
   std::string path_;
 };
-
-/// Whether this process may make and remove entries in the folder of `path`, and change `path`.
-bool mayRemove(const std::string& path);
 
 }  // namespace tasselby

@@ -4,14 +4,11 @@
 // folder.
 
 #include <algorithm>
-#include <array>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <optional>
 #include <string>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -28,9 +25,7 @@
 namespace tasselby {
 namespace {
 
-constexpr int kBadInput = 2;
-constexpr int kSignalBase = 128;
-constexpr int kProgressSeconds = 1;
+constexpr int kNoPreview = 2;
 
 struct Request {
   /// What the worker would be started with.
@@ -40,24 +35,22 @@ struct Request {
   bool json = false;
 };
 
-int complain(const std::string& line) {
-  std::cerr << "tasselby-preview: " << line << '\n';
-  return kBadInput;
+/// How waiting for the child ended: by its end, or by a signal to this process.
+struct Ending {
+  int status = 0;
+  int signal = 0;
+};
+
+int refuse(const std::string& why) {
+  std::cerr << "tasselby-preview: " << why << '\n';
+  return kNoPreview;
 }
 
-/// Takes the program's own options out of the arguments.
 Request requestOf(int argc, char** argv) {
   Request request;
-  const std::vector<std::string> given(argv, argv + argc);
-  for (const std::string& argument : given) {
-    if (argument == "--items") {
-      request.items = true;
-    } else if (argument == "--json") {
-      request.json = true;
-    } else {
-      request.arguments.push_back(argument);
-    }
-  }
+  request.arguments.assign(argv, argv + argc);
+  request.items = std::erase(request.arguments, "--items") != 0;
+  request.json = std::erase(request.arguments, "--json") != 0;
   const char* home = std::getenv("HOME");
   std::error_code error;
   if (home != nullptr && *home != '\0') {
@@ -66,62 +59,42 @@ Request requestOf(int argc, char** argv) {
   return request;
 }
 
-std::string browserOf(const Request& request) {
-  const auto& names = request.arguments;
-  const auto name = std::ranges::find_if(names, [](const std::string& argument) {
-    return std::ranges::find(kBrowserNames, argument) != kBrowserNames.end();
-  });
-  return name == names.end() ? "" : *name;
-}
-
-/// The signals that the parent waits for: those that end a program, unless they are ignored, the
-/// child's end, and the clock of the progress line.
+/// The signals that are waited for: those that end a program, unless they are ignored; the child's
+/// end; the clock of the progress line.
 sigset_t awaitedSignals() {
+  std::signal(SIGCHLD, SIG_DFL);
   sigset_t set;
   sigemptyset(&set);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD, SIGALRM}) {
     struct sigaction action{};
     if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
       sigaddset(&set, signal);
     }
   }
-  sigaddset(&set, SIGCHLD);
-  sigaddset(&set, SIGALRM);
   return set;
 }
 
 /// Makes the preview in this process and writes it to `path`. Answers the exit status.
-int preview(const Request& request, const ScratchFolder& scratch, const std::string& path) {
+int preview(const Request& request, const ScratchFolder& scratch, const std::string& path) try {
   raiseOpenFileLimit();
-  try {
-    const FileManager files(request.home);
-    const RunResult result = forecast(request.arguments, files, scratch);
-    std::ofstream out(path, std::ios::binary);
-    if (request.json) {
-      printJson(out, result);
-    } else {
-      printText(out, result,
-                {"What a run for " + result.browser + " would remove from " + request.home +
-                     ". Nothing was changed.",
-                 request.items, wantsColor()});
-    }
-    if (!out.flush()) {
-      return kBadInput;
-    }
-    return result.endedAt.empty() ? EXIT_SUCCESS : kHardErrorStatus;
-  } catch (const std::exception&) {
-    return kBadInput;
+  const RunResult result = forecast(request.arguments, FileManager(request.home), scratch);
+  std::ofstream out(path, std::ios::binary);
+  if (request.json) {
+    printJson(out, result);
+  } else {
+    printText(
+        out, result,
+        "A run for " + result.browser + " over " + request.home + " would remove:", request.items);
   }
+  const int status = result.endedAt.empty() ? EXIT_SUCCESS : kHardErrorStatus;
+  return out.flush() ? status : kNoPreview;
+} catch (const std::exception&) {
+  return kNoPreview;
 }
-/// How waiting for the child ended: by its end, or by a signal to this process.
-struct Ending {
-  int status = 0;
-  int signal = 0;
-};
 
 Ending waitFor(pid_t child, const sigset_t& awaited) {
   if (::isatty(STDERR_FILENO) != 0) {
-    const itimerval everySecond = {{kProgressSeconds, 0}, {kProgressSeconds, 0}};
+    const itimerval everySecond = {{1, 0}, {1, 0}};
     ::setitimer(ITIMER_REAL, &everySecond, nullptr);
   }
   Ending ending;
@@ -129,8 +102,7 @@ Ending waitFor(pid_t child, const sigset_t& awaited) {
     int signal = 0;
     sigwait(&awaited, &signal);
     if (signal == SIGALRM) {
-      seconds += kProgressSeconds;
-      std::cerr << "\rLooking, " << seconds << " s" << std::flush;
+      std::cerr << "\rLooking, " << ++seconds << " s" << std::flush;
       continue;
     }
     if (signal != SIGCHLD) {
@@ -145,16 +117,7 @@ Ending waitFor(pid_t child, const sigset_t& awaited) {
   }
 }
 
-/// Ends this process the way `signal` would have, had it not been held back.
-int endBy(int signal, const sigset_t& awaited) {
-  std::signal(signal, SIG_DFL);
-  ::raise(signal);
-  ::sigprocmask(SIG_UNBLOCK, &awaited, nullptr);
-  return kSignalBase + signal;
-}
-
 int show(const Request& request) {
-  std::signal(SIGCHLD, SIG_DFL);
   const sigset_t awaited = awaitedSignals();
   sigset_t before;
   ::sigprocmask(SIG_BLOCK, &awaited, &before);
@@ -165,7 +128,7 @@ int show(const Request& request) {
     const std::string path = scratch.path() + "/output";
     const pid_t child = ::fork();
     if (child < 0) {
-      return complain("no process can be started");
+      return refuse("no process can be started");
     }
     if (child == 0) {
       ::sigprocmask(SIG_SETMASK, &before, nullptr);
@@ -175,43 +138,45 @@ int show(const Request& request) {
     output.open(path, std::ios::binary);
   }
   if (ending.signal != 0) {
-    return endBy(ending.signal, awaited);
+    // Ends this process the way it would have ended at once.
+    std::signal(ending.signal, SIG_DFL);
+    ::raise(ending.signal);
+    ::sigprocmask(SIG_UNBLOCK, &awaited, nullptr);
   }
-  if (WIFSIGNALED(ending.status)) {
-    complain("ended by signal " + std::to_string(WTERMSIG(ending.status)));
-    return kSignalBase + WTERMSIG(ending.status);
+  if (!WIFEXITED(ending.status)) {
+    return refuse("ended by signal " + std::to_string(WTERMSIG(ending.status)));
   }
-  if (WEXITSTATUS(ending.status) == kBadInput) {
+  if (WEXITSTATUS(ending.status) == kNoPreview) {
     throw ScratchError();
   }
   std::cout << output.rdbuf() << std::flush;
-  return std::cout ? WEXITSTATUS(ending.status) : complain("the output cannot be written");
+  return std::cout ? WEXITSTATUS(ending.status) : refuse("the output cannot be written");
 }
 
-int start(int argc, char** argv) {
-  const Request request = requestOf(argc, argv);
-  if (browserOf(request).empty()) {
+int start(const Request& request) try {
+  const auto isBrowser = [](const std::string& argument) {
+    return std::ranges::find(kBrowserNames, argument) != kBrowserNames.end();
+  };
+  if (std::ranges::none_of(request.arguments, isBrowser)) {
     std::string names;
     for (const std::string_view name : kBrowserNames) {
       names.append(names.empty() ? "" : ", ").append(name);
     }
-    return complain("name one of " + names);
+    return refuse("name one of " + names);
   }
   if (request.home.empty() || ::access((request.home + "/").c_str(), R_OK | X_OK) != 0) {
-    return complain("HOME is missing or cannot be read: " + request.home);
+    return refuse("HOME is missing or cannot be read: " + request.home);
   }
-  try {
-    return show(request);
-  } catch (const ScratchError&) {
-    std::error_code ignored;
-    return complain("no room for a scratch folder in " +
-                    std::filesystem::temp_directory_path(ignored).native());
-  }
+  return show(request);
+} catch (const ScratchError&) {
+  std::error_code error;
+  const std::string folder = std::filesystem::temp_directory_path(error).native();
+  return refuse("no room for a scratch folder in " + (error ? "TMPDIR" : folder));
 }
 
 }  // namespace
 }  // namespace tasselby
 
 int main(int argc, char* argv[]) {
-  return tasselby::start(argc, argv);
+  return tasselby::start(tasselby::requestOf(argc, argv));
 }

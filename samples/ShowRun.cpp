@@ -10,7 +10,6 @@
 
 #include "report/Forecast.h"
 #include "report/Print.h"
-#include "report/Stores.h"
 #include "samples/MacHome.h"
 #include "samples/NotificationBus.h"
 #include "samples/RunWorker.h"
@@ -51,16 +50,11 @@ int showRun(const std::vector<std::string>& command) {
 
   // What the run was to keep, and what it has done in truth.
   RunResult result = forecast(command, FileManager(home.home()), scratch);
-  KeepList keepList;
-  for (const KeptSite& site : result.kept) {
-    keepList.add(site.site);
-  }
-  result.changes = changesOf(outcomeOf(volume, cleaned.volume()), keepList, scratch);
+  result.places = changesOf(outcomeOf(volume, cleaned.volume()), result.kept, scratch);
   const auto received = bus.received();
   result.report = received.empty() ? "" : received.front().body;
-  printText(
-      std::cout, result,
-      {"What a run for " + result.browser + " removed from a sample home.", false, wantsColor()});
+  printText(std::cout, result,
+            "A run for " + result.browser + " over a sample home removed:", false);
   return run.status;
 }
 
