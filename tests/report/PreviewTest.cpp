@@ -210,6 +210,7 @@ TEST_F(OddPreview, LeavesNothingBehindWhenASignalEndsIt) {
       std::signal(signal, SIG_DFL);
       ::raise(signal);
       ::setenv("TMPDIR", scratch.volume().c_str(), 1);
+      ::setenv("HOME", odd.home.home().c_str(), 1);
       ::execl(PREVIEW_BINARY, PREVIEW_BINARY, "Safari", nullptr);
       ::_exit(127);
     }
