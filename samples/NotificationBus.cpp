@@ -14,6 +14,8 @@
 #include <thread>
 #include <unistd.h>
 
+#include "samples/TemporaryFolder.h"
+
 namespace tasselby {
 namespace {
 
@@ -21,11 +23,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kServiceName = "org.freedesktop.Notifications";
 constexpr std::uint64_t kPollMicroseconds = 20000;
-
-fs::path temporaryFolder() {
-  std::string pattern = (fs::temp_directory_path() / "tasselby-bus-XXXXXX").native();
-  return ::mkdtemp(pattern.data());
-}
 
 /// Starts the bus described in `folder` and waits until it takes connections.
 pid_t startDaemon(const fs::path& folder, const std::string& address) {
@@ -93,7 +90,7 @@ ReceivedNotification notificationIn(sd_bus_message* call) {
 
 class NotificationBus::Service {
  public:
-  Service() : daemon_(startDaemon(folder_, address_)), thread_([this] { serve(); }) {
+  Service() : daemon_(startDaemon(folder_.path(), address_)), thread_([this] { serve(); }) {
     while (!isServing_) {
       std::this_thread::yield();
     }
@@ -107,8 +104,6 @@ class NotificationBus::Service {
       ::kill(daemon_, SIGTERM);
       ::waitpid(daemon_, nullptr, 0);
     }
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
   }
 
   const std::string& address() const { return address_; }
@@ -142,8 +137,8 @@ class NotificationBus::Service {
     sd_bus_flush_close_unref(bus);
   }
 
-  fs::path folder_ = temporaryFolder();
-  std::string address_ = "unix:path=" + (folder_ / "bus").native();
+  TemporaryFolder folder_;
+  std::string address_ = "unix:path=" + (folder_.path() / "bus").native();
   pid_t daemon_;
   std::mutex mutex_;
   std::vector<ReceivedNotification> received_;

@@ -15,8 +15,9 @@ struct WorkerRun {
 };
 
 /// Runs `command`, the binary and its arguments, over the home folder `home`, with the session bus
-/// at `busAddress`, from the folder `workingFolder` (none: this process's).
-WorkerRun runWorker(const std::vector<std::string>& command, const std::string& home,
+/// at `busAddress`, from the folder `workingFolder` (none: this process's). The run gets a fresh
+/// environment, little of which is this process's, and a umask of 022.
+WorkerRun runWorker(std::vector<std::string> command, const std::string& home,
                     const std::string& busAddress = "unix:path=/dev/null",
                     const std::string& workingFolder = ".");
 

@@ -21,19 +21,7 @@ std::string bytesOf(const fs::path& path) {
 }  // namespace
 
 ScratchHome::ScratchHome() {
-  // In memory where that can be: thousands of runs, each of which waits for its disk.
-  for (const fs::path& folder : {fs::path("/dev/shm"), fs::temp_directory_path()}) {
-    std::string pattern = (folder / "tasselby-XXXXXX").native();
-    if (root_.empty() && ::mkdtemp(pattern.data()) != nullptr) {
-      root_ = pattern;
-    }
-  }
   fs::create_directories(home());
-}
-
-ScratchHome::~ScratchHome() {
-  std::error_code ignored;
-  fs::remove_all(root_, ignored);
 }
 
 ScratchHome& ScratchHome::file(const std::string& path, const std::string& contents) {
@@ -59,7 +47,7 @@ ScratchHome& ScratchHome::socket(const std::string& path) {
   const fs::path full = this->path(path);
   fs::create_directories(full.parent_path());
   // An address has room for some hundred bytes: bound at a short path and moved from there.
-  const std::string bound = (root_ / "socket").native();
+  const std::string bound = (root() / "socket").native();
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   bound.copy(address.sun_path, sizeof address.sun_path - 1);
@@ -91,8 +79,8 @@ std::string ScratchHome::contents(const std::string& path) const {
 
 std::map<std::string, std::string> ScratchHome::snapshot() const {
   std::map<std::string, std::string> entries;
-  for (const auto& entry : fs::recursive_directory_iterator(root_)) {
-    std::string& contents = entries[entry.path().lexically_relative(root_).native()];
+  for (const auto& entry : fs::recursive_directory_iterator(root())) {
+    std::string& contents = entries[entry.path().lexically_relative(root()).native()];
     if (entry.is_symlink()) {
       contents = fs::read_symlink(entry.path()).native();
     } else {

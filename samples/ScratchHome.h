@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "samples/TemporaryFolder.h"
+
 namespace tasselby {
 
 /// File names, or other texts, in an order that counts.
@@ -15,9 +17,6 @@ using Names = std::vector<std::string>;
 class ScratchHome {
  public:
   ScratchHome();
-  ScratchHome(const ScratchHome&) = delete;
-  ScratchHome& operator=(const ScratchHome&) = delete;
-  ~ScratchHome();
 
   /// Each makes the folders above as needed and answers the home for the next call.
   ScratchHome& file(const std::string& path, const std::string& contents = "contents");
@@ -28,9 +27,9 @@ class ScratchHome {
   ScratchHome& socket(const std::string& path);
 
   /// The full path of the home folder, of `path` in it, and of the volume's folder.
-  std::string home() const { return (root_ / "Users/anna").native(); }
+  std::string home() const { return (root() / "Users/anna").native(); }
   std::string path(const std::string& path) const { return home() + "/" + path; }
-  std::string volume() const { return root_.native(); }
+  std::string volume() const { return root().native(); }
 
   /// Whether there is an entry at `path`, a dangling link included.
   bool has(const std::string& path) const;
@@ -45,7 +44,9 @@ class ScratchHome {
   std::map<std::string, std::string> snapshot() const;
 
  private:
-  std::filesystem::path root_;
+  const std::filesystem::path& root() const { return folder_.path(); }
+
+  TemporaryFolder folder_;
 };
 
 }  // namespace tasselby

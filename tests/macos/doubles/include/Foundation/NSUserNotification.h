@@ -1,9 +1,13 @@
 #pragma once
 
-// Stands in for GNUstep's header of that name, which declares classes that its library lacks where
-// the compiler was GCC. What the worker uses of them, no more.
+// Stands in for GNUstep's header of that name: what the worker uses of it, no more. GNUstep's library
+// lacks the classes, or has ones that show nothing without a desktop, and so these have names of
+// their own.
 
 #import <Foundation/NSObject.h>
+
+#define NSUserNotification StandInUserNotification
+#define NSUserNotificationCenter StandInUserNotificationCenter
 
 @class NSDate, NSString, NSUserNotificationCenter;
 

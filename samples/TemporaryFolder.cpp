@@ -1,0 +1,41 @@
+#include "samples/TemporaryFolder.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace tasselby {
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A container's is of 64 MiB, and the tests of one machine share it.
+constexpr std::uintmax_t kRoom = std::uintmax_t{512} << 20U;
+
+fs::path newFolder() {
+  const char* temporary = std::getenv("TMPDIR");
+  std::error_code error;
+  const fs::space_info memory = fs::space("/dev/shm", error);
+  for (const char* parent :
+       {!error && memory.available >= kRoom ? "/dev/shm" : nullptr, temporary, "/tmp"}) {
+    std::string pattern = std::string(parent != nullptr ? parent : "") + "/tasselby-XXXXXX";
+    if (parent != nullptr && ::mkdtemp(pattern.data()) != nullptr) {
+      return fs::canonical(pattern);
+    }
+  }
+  std::fputs("There is no folder for temporary files: /dev/shm, $TMPDIR and /tmp refuse one.\n",
+             stderr);
+  std::exit(1);
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() : path_(newFolder()) {}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+}  // namespace tasselby
