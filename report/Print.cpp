@@ -99,7 +99,7 @@ bool wantsColor() {
 void printText(std::ostream& out, const RunResult& result, const std::string& title, bool items) {
   out << styled(kBold, shown(title)) << "\n\n";
   printKept(out, result.kept);
-  out << styled(kBold, "\n  goes                 stays\n");
+  out << '\n' << styled(kBold, "  goes                 stays") << '\n';
   std::size_t untouched = 0;
   for (const Place& place : result.places) {
     if (place.gone.empty()) {
