@@ -4,7 +4,7 @@
 
 #import <Foundation/Foundation.h>
 
-@implementation NSUserNotification
+@implementation StandInUserNotification
 @synthesize title, subtitle, informativeText, soundName, deliveryDate, hasActionButton;
 @end
 
@@ -13,7 +13,7 @@ static NSMutableArray* delivered() {
   return list;
 }
 
-@implementation NSUserNotificationCenter
+@implementation StandInUserNotificationCenter
 @synthesize delegate;
 
 + (NSUserNotificationCenter*)defaultUserNotificationCenter {

@@ -6,12 +6,11 @@
 
 #import <Foundation/NSObject.h>
 
-#define NSUserNotification StandInUserNotification
-#define NSUserNotificationCenter StandInUserNotificationCenter
+@class NSDate, NSString, StandInUserNotification, StandInUserNotificationCenter;
+@compatibility_alias NSUserNotification StandInUserNotification;
+@compatibility_alias NSUserNotificationCenter StandInUserNotificationCenter;
 
-@class NSDate, NSString, NSUserNotificationCenter;
-
-@interface NSUserNotification : NSObject {
+@interface StandInUserNotification : NSObject {
   NSString *title, *subtitle, *informativeText, *soundName;
   NSDate* deliveryDate;
   BOOL hasActionButton;
@@ -30,7 +29,7 @@
      shouldPresentNotification:(NSUserNotification*)notification;
 @end
 
-@interface NSUserNotificationCenter : NSObject {
+@interface StandInUserNotificationCenter : NSObject {
   id<NSUserNotificationCenterDelegate> delegate;
 }
 @property(nonatomic, assign) id<NSUserNotificationCenterDelegate> delegate;
