@@ -7,13 +7,12 @@
 
 #include "platform/HardError.h"
 #include "samples/KeychainWriter.h"
-#include "tests/support/Plain.h"
+#include "tests/support/Testing.h"
 #include "tests/support/WorkerTest.h"
 
 namespace tasselby {
 namespace {
 
-const std::string kSupport = "Library/Application Support/";
 const std::string kSilverlight = kSupport + "Microsoft/Silverlight/";
 const std::string kFirefox = kSupport + "Firefox/Profiles/";
 const KeepList kKept = {"kept.com"};

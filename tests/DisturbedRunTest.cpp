@@ -17,12 +17,10 @@
 
 #include "samples/RunWorker.h"
 #include "samples/SampleStores.h"
-#include "tests/support/Plain.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int kKilled = 128 + SIGKILL;
 const std::string kWriteCalls =

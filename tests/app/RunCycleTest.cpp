@@ -17,31 +17,31 @@ class RunCycleTest : public WorkerTest {
 };
 
 TEST_F(RunCycleTest, TakesTheFirstArgumentThatIsABrowser) {
-  application.given = {"/worker", "-x", "Firefox", "Safari"};
+  recorder.given = {"/worker", "-x", "Firefox", "Safari"};
   EXPECT_EQ(worker.startupCheck(), "Firefox");
-  application.given = {"Opera", "Firefox"};
+  recorder.given = {"Opera", "Firefox"};
   EXPECT_EQ(worker.startupCheck(), "Opera");
   for (const char* refused : {"safari", "Chrome", "Safari ", ""}) {
-    application.given = {"/worker", refused};
+    recorder.given = {"/worker", refused};
     EXPECT_THROW(worker.startupCheck(), Terminated) << refused;
     EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated) << refused;
   }
-  EXPECT_TRUE(center.scheduled.empty());
-  application = {};
-  application.goesOn = true;
+  EXPECT_TRUE(recorder.scheduled.empty());
+  recorder = {};
+  recorder.goesOn = true;
   worker.applicationDidFinishLaunching();
-  EXPECT_EQ(application.terminations, 3) << "nothing but termination stops a refused start";
+  EXPECT_EQ(recorder.terminations, 3) << "nothing but termination stops a refused start";
 }
 
 TEST_F(RunCycleTest, ReportsInTheSubtitleOnlyWhenAsked) {
-  application.given = {"/worker", "WebKit"};
+  recorder.given = {"/worker", "WebKit"};
   EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated);
-  EXPECT_TRUE(center.scheduled.empty());
+  EXPECT_TRUE(recorder.scheduled.empty());
 
-  defaults.on = {"displayNotifications"};
+  recorder.on = {"displayNotifications"};
   EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated);
-  ASSERT_EQ(center.scheduled.size(), 1U);
-  const UserNotification& notification = center.scheduled[0];
+  ASSERT_EQ(recorder.scheduled.size(), 1U);
+  const UserNotification& notification = recorder.scheduled[0];
   EXPECT_EQ(notification.title, "Tasselby");
   EXPECT_EQ(
       notification.subtitle,
@@ -54,28 +54,28 @@ TEST_F(RunCycleTest, ReportsInTheSubtitleOnlyWhenAsked) {
 
 TEST_F(RunCycleTest, AsksTheSystemsVersionAndThePreferenceBeforePosting) {
   worker.displayNotificationWithTitle_andText("title", "text");
-  defaults.on = {"displayNotifications"};
+  recorder.on = {"displayNotifications"};
   for (const double version : {743.9, std::nan("")}) {
     WorkerAppDelegate old = workerAtVersion(version);
     old.awakeFromNib();
     old.displayNotificationWithTitle_andText("title", "text");
   }
-  EXPECT_EQ(center.delegate, nullptr);
-  EXPECT_TRUE(center.scheduled.empty());
+  EXPECT_EQ(recorder.delegate, nullptr);
+  EXPECT_TRUE(recorder.scheduled.empty());
 
   worker.awakeFromNib();
   worker.displayNotificationWithTitle_andText("title", "text");
-  EXPECT_EQ(center.delegate, &worker);
-  EXPECT_EQ(center.scheduled.size(), 1U);
-  EXPECT_EQ(defaults.suites, std::vector<std::string>(3, "com.marrowgatestudios.Tasselby"));
+  EXPECT_EQ(recorder.delegate, &worker);
+  EXPECT_EQ(recorder.scheduled.size(), 1U);
+  EXPECT_EQ(recorder.suites, std::vector<std::string>(3, "com.marrowgatestudios.Tasselby"));
 }
 
 TEST_F(RunCycleTest, AnswersTheNotificationCentre) {
   UserNotification clicked;
   clicked.identifier = "clicked";
-  EXPECT_TRUE(worker.userNotificationCenter_shouldPresentNotification(center, clicked));
-  worker.userNotificationCenter_didActivateNotification(center, clicked);
-  EXPECT_EQ(center.removed, std::vector<std::string>{"clicked"});
+  EXPECT_TRUE(worker.userNotificationCenter_shouldPresentNotification(recorder, clicked));
+  worker.userNotificationCenter_didActivateNotification(recorder, clicked);
+  EXPECT_EQ(recorder.removed, std::vector<std::string>{"clicked"});
 }
 
 }  // namespace

@@ -1,23 +1,17 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <set>
-#include <string>
-#include <vector>
-
 #include "app/WorkerAppDelegate.h"
 #include "platform/SafariCookies.h"
 #include "platform/offline/OfflinePlatform.h"
-#include "samples/ScratchHome.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 
-/// What the recording application throws where a real one would end the process.
+/// What the recorder throws where a real application would end the process.
 struct Terminated {};
 
-/// An application whose arguments are `given`, and which ends unless told to go on.
-class RecordingApplication final : public Application {
- public:
+/// All of a platform that has no file. It keeps what it is told, and its texts are their keys.
+struct Recorder final : Application, UserDefaults, Bundle, UserNotificationCenter {
   std::vector<std::string> arguments() const override { return given; }
   void terminate() override {
     ++terminations;
@@ -25,58 +19,34 @@ class RecordingApplication final : public Application {
       throw Terminated();
     }
   }
-
-  std::vector<std::string> given;
-  int terminations = 0;
-  bool goesOn = false;
-};
-
-/// Preferences that are true for the names in `on`.
-class SetDefaults final : public UserDefaults {
- public:
   void addSuiteNamed(const std::string& suite) override { suites.push_back(suite); }
   bool boolForKey(const std::string& key) const override { return on.contains(key); }
-
-  std::vector<std::string> suites;
-  std::set<std::string> on;
-};
-
-/// Every text is its key.
-class KeyBundle final : public Bundle {
- public:
   std::string localizedString(const std::string& key, const std::string&) const override {
     return key;
   }
-};
-
-/// Keeps what it is told.
-class RecordingCenter final : public UserNotificationCenter {
- public:
   void setDelegate(UserNotificationCenterDelegate* to) override { delegate = to; }
-  void scheduleNotification(const UserNotification& notification) override {
-    scheduled.push_back(notification);
-  }
-  void removeDeliveredNotification(const UserNotification& notification) override {
-    removed.push_back(notification.identifier);
+  void scheduleNotification(const UserNotification& one) override { scheduled.push_back(one); }
+  void removeDeliveredNotification(const UserNotification& one) override {
+    removed.push_back(one.identifier);
   }
 
+  Names given, suites, removed;
+  int terminations = 0;
+  bool goesOn = false;
+  std::set<std::string> on;
   UserNotificationCenterDelegate* delegate = nullptr;
   std::vector<UserNotification> scheduled;
-  std::vector<std::string> removed;
 };
 
-/// A worker over a home folder of plain files. What has no file records instead.
+/// A worker over a home folder of plain files.
 class WorkerTest : public ::testing::Test {
  protected:
   ScratchHome home;
-  RecordingApplication application;
-  SetDefaults defaults;
-  KeyBundle bundle;
-  RecordingCenter center;
+  Recorder recorder;
   FileManager files{home.home()};
   std::unique_ptr<Keychain> keychain = makeOfflineKeychain(files);
   std::unique_ptr<HTTPCookieStorage> cookieStorage = makeSafariCookies(files);
-  Platform platform{application, defaults, bundle, *keychain, *cookieStorage, center, files, 744.0};
+  Platform platform{recorder, recorder, recorder, *keychain, *cookieStorage, recorder, files, 744};
   WorkerAppDelegate worker{platform};
 };
 

@@ -1,13 +1,26 @@
 #pragma once
 
+// What all tests use: the standard library, and SQLite without the code under test.
+
+#include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <sqlite3.h>
 #include <string>
+#include <vector>
 
+#include "samples/RunWorker.h"
+#include "samples/SampleStores.h"
 #include "samples/ScratchHome.h"
 
 namespace tasselby {
+namespace fs = std::filesystem;
+
+inline const std::string kSupport = "Library/Application Support/";
 
 using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
 
@@ -15,14 +28,11 @@ using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
 inline Connection plainConnection(const std::string& path) {
   sqlite3* connection = nullptr;
   EXPECT_EQ(sqlite3_open(path.c_str(), &connection), SQLITE_OK) << path;
-  // A Mac's connections start out defensive, and then no schema can be damaged.
-  sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
   sqlite3_exec(connection, "PRAGMA synchronous = OFF;", nullptr, nullptr, nullptr);
   return {connection, &sqlite3_close};
 }
 
-/// Runs the statements `sql` on `connection`. Answers every row: its values with "|" between, NULL
-/// as "-".
+/// Runs the statements `sql`. Answers every row: its values with "|" between, NULL as "-".
 inline Names plainly(const Connection& connection, const std::string& sql) {
   Names rows;
   const auto append = [](void* to, int count, char** values, char** /*names*/) {
