@@ -1,39 +1,46 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
-#include <string>
 #include <string_view>
-#include <vector>
-
-#include "platform/FileManager.h"
 
 namespace tasselby {
 
-/// The browser names the worker accepts, in the order they are tried. Compared exactly; "WebKit" is
-/// a name of its own and not an alias of "Safari".
-inline constexpr std::array<std::string_view, 7> kBrowserNames = {
-    "Safari", "WebKit", "Google Chrome", "Chromium", "Camino", "Firefox", "Opera"};
+/// Browsers that keep their data in the same kinds of files.
+enum class Family { kNone, kSafari, kChromium, kMozilla };
 
-/// The one profile of a browser without profiles: no folder of its own below the data folder.
-inline constexpr const char* kOnlyProfile = "";
+/// A browser by the name that the worker accepts.
+struct Browser {
+  /// Compared exactly; empty for none.
+  std::string_view name;
+  Family family;
+  /// The folders below which it keeps its data and its caches; with a leading "~".
+  const char* dataRoot;
+  const char* cacheRoot;
+  /// Whether each profile has folders of its own below them.
+  bool hasProfiles;
+};
 
-/// Whether `browser` keeps its profiles in folders that "Local State" lists.
-bool hasChromiumProfiles(std::string_view browser);
+/// All of them. "WebKit" is a name of its own and not an alias of "Safari".
+inline constexpr std::array<Browser, 7> kBrowsers = {{
+    {"Safari", Family::kSafari, "~/Library/Safari", "~/Library/Caches/com.apple.Safari", false},
+    {"WebKit", Family::kNone, "", "", false},
+    {"Google Chrome", Family::kChromium, "~/Library/Application Support/Google/Chrome",
+     "~/Library/Caches/Google/Chrome", true},
+    {"Chromium", Family::kChromium, "~/Library/Application Support/Chromium",
+     "~/Library/Caches/Chromium", true},
+    {"Camino", Family::kMozilla, "~/Library/Application Support/Camino", "~/Library/Caches/Camino",
+     false},
+    {"Firefox", Family::kMozilla, "~/Library/Application Support/Firefox/Profiles",
+     "~/Library/Caches/Firefox/Profiles", true},
+    {"Opera", Family::kChromium, "~/Library/Application Support/com.operasoftware.Opera",
+     "~/Library/Caches/com.operasoftware.Opera", false},
+}};
 
-/// Whether `browser` keeps its data the way Chromium does: with profiles, or Opera without.
-bool isChromiumLike(std::string_view browser);
-
-/// The folder below which a Chromium-like `browser` keeps its data, and its caches; with a leading
-/// "~". Empty for any other name.
-std::string dataRoot(std::string_view browser);
-std::string cacheRoot(std::string_view browser);
-
-/// The folder of Firefox's profiles, and the data folder of Camino; with a leading "~".
-inline constexpr const char* kFirefoxProfiles = "~/Library/Application Support/Firefox/Profiles/";
-inline constexpr const char* kCaminoData = "~/Library/Application Support/Camino";
-
-/// The full paths of the files `name` in Firefox's profile folders, in the order the folders are
-/// listed. Every folder among the profiles counts as one, and a link to a folder does not.
-std::vector<std::string> firefoxDatabases(const FileManager& files, const std::string& name);
+/// The browser `name`; for any other name one without a name, of no family.
+constexpr Browser browserNamed(std::string_view name) {
+  const auto* const found = std::ranges::find(kBrowsers, name, &Browser::name);
+  return found == kBrowsers.end() ? Browser{"", Family::kNone, "", "", false} : *found;
+}
 
 }  // namespace tasselby

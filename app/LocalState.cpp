@@ -12,6 +12,13 @@ using Json = nlohmann::json;
 
 constexpr std::size_t kDepthLimit = 512;
 
+// How many objects and arrays are open around a value whose last key is "profile", "info_cache", a
+// folder's name or "name".
+constexpr std::size_t kProfile = 1;
+constexpr std::size_t kInfoCache = 2;
+constexpr std::size_t kFolder = 3;
+constexpr std::size_t kName = 4;
+
 /// Collects the strings at profile.info_cache.*.name while the text is read. No tree is built:
 /// destroying a deeply nested one can exhaust the stack.
 ///
@@ -32,8 +39,8 @@ class ProfileReader final : public nlohmann::json_sax<Json> {
   bool end_object() override { return leave(); }
   bool end_array() override { return leave(); }
   bool key(string_t& name) override {
-    if (depth_ <= keys_.size()) {
-      keys_.at(depth_ - 1) = name;
+    if (depth_ <= kName) {
+      keys_.at(depth_) = name;
     }
     return true;
   }
@@ -47,18 +54,17 @@ class ProfileReader final : public nlohmann::json_sax<Json> {
  private:
   /// A value begins where the keys now stand; `text` is it, if it is a string.
   bool value(const std::string* text) {
-    if (depth_ == 0 || depth_ > keys_.size() || keys_[0] != "profile" ||
-        (depth_ > 1 && keys_[1] != "info_cache")) {
+    const std::optional<std::string>& folder = keys_[kFolder];
+    if (depth_ < kProfile || depth_ > kName || keys_[kProfile] != "profile" ||
+        (depth_ >= kInfoCache && keys_[kInfoCache] != "info_cache")) {
       return true;
     }
-    if (depth_ <= 2) {
+    if (depth_ < kFolder) {
       profiles.clear();
-    } else if (depth_ == 3 && keys_[2]) {
-      profiles.erase(*keys_[2]);
-    } else if (depth_ == 4 && keys_[2] && keys_[3] == "name") {
-      profiles.erase(*keys_[2]);
-      if (text != nullptr) {
-        profiles.emplace(*keys_[2], *text);
+    } else if (folder && (depth_ == kFolder || keys_[kName] == "name")) {
+      profiles.erase(*folder);
+      if (depth_ == kName && text != nullptr) {
+        profiles.emplace(*folder, *text);
       }
     }
     return true;
@@ -67,8 +73,8 @@ class ProfileReader final : public nlohmann::json_sax<Json> {
   /// `firstKey` has no value for an array, whose elements have no keys.
   bool enter(const std::optional<std::string>& firstKey) {
     value(nullptr);
-    if (++depth_ <= keys_.size()) {
-      keys_.at(depth_ - 1) = firstKey;
+    if (++depth_ <= kName) {
+      keys_.at(depth_) = firstKey;
     }
     return depth_ <= kDepthLimit;
   }
@@ -78,7 +84,8 @@ class ProfileReader final : public nlohmann::json_sax<Json> {
     return true;
   }
 
-  std::array<std::optional<std::string>, 4> keys_;
+  /// The last key at each depth.
+  std::array<std::optional<std::string>, kName + 1> keys_;
   std::size_t depth_ = 0;
 };
 

@@ -1,6 +1,5 @@
 // A run from start to termination.
 
-#include <algorithm>
 #include <string>
 
 #include "app/Browsers.h"
@@ -36,7 +35,7 @@ void WorkerAppDelegate::applicationDidFinishLaunching() {
 
 std::string WorkerAppDelegate::startupCheck() {
   for (const std::string& argument : platform_.application.arguments()) {
-    if (std::ranges::find(kBrowserNames, argument) != kBrowserNames.end()) {
+    if (!browserNamed(argument).name.empty()) {
       return argument;
     }
   }

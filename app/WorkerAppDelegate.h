@@ -3,11 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
+#include "app/KeepList.h"
 #include "app/LocalState.h"
-#include "keep/KeepList.h"
 #include "platform/Platform.h"
 #include "storage/Row.h"
 
@@ -16,17 +15,15 @@ namespace tasselby {
 /// The CoreFoundation of the first system with a user notification centre.
 inline constexpr double kFirstVersionWithNotifications = 744.0;
 
-/// One cookie, as its store answers it.
-using CookieRecord = std::variant<HTTPCookie, Row>;
-
 /// What `cookies_keepCookies` found.
 struct CookieInventory {
   /// Cookies at sites not kept plus tracking cookies: a cookie that is both counts twice.
   std::int64_t cookieCount = 0;
   /// Tracking cookies, at kept sites and others.
   std::int64_t trackingCount = 0;
-  /// What has to go, each record once.
-  std::vector<CookieRecord> removalList;
+  /// What has to go, each record once: Safari's cookies, or any other browser's rows.
+  std::vector<HTTPCookie> cookies;
+  RowList rows;
 };
 
 /// What `removeCookies_keepCookies` answers: the inventory's counts.
@@ -81,15 +78,11 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
   bool userNotificationCenter_shouldPresentNotification(
       UserNotificationCenter& center, const UserNotification& notification) override;
 
-  // Profile discovery (app/ChromiumProfiles.cpp)
+  // Profile discovery (app/Profiles.cpp)
 
   /// The profiles in the "Local State" of Google Chrome, or of Chromium for any other name.
   /// Empty when it lists none or is no JSON; throws `HardError` when it cannot be read as text.
   ProfileMap userProfiles(const std::string& browser) const;
-
-  /// The profile folders of a Chromium-like `browser`: those of `userProfiles`, or the data folder
-  /// itself for one without profiles. Names that lead out of the data folder are left out.
-  std::vector<std::string> profileFolders(const std::string& browser) const;
 
   // Keep list (keep/SmartFavourites.cpp)
 
@@ -111,11 +104,11 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
   /// Deletes the cookies of the inventory from `browser`'s stores, and before them the channel IDs.
   CookieCounts removeCookies_keepCookies(const std::string& browser, const KeepList& keepList);
 
-  /// Deletes each of `cookies`, platform cookies all, from the shared storage.
-  void deleteSafariCookies(const std::vector<CookieRecord>& cookies);
+  /// Deletes each of `cookies` from the shared storage.
+  void deleteSafariCookies(const std::vector<HTTPCookie>& cookies);
 
-  /// Deletes the channel-ID certificates of a Chromium-like `browser` whose origin is not itself
-  /// an element of `keepList`.
+  /// Deletes the channel-ID certificates of a `browser` of Chromium's family whose origin is not
+  /// itself an element of `keepList`.
   void deleteChromeChannelID_keep(const std::string& browser, const KeepList& keepList);
 
   // Web storage (cleaners/webstorage/)
@@ -135,9 +128,10 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
 
   // Plug-ins (cleaners/plugins/)
 
-  /// Chooses the hosts not in `keepList` among the shared player's Flash objects and settings, and
-  /// disposes of settings by host alone; for `browser` with a player of its own, of that player's
-  /// objects and settings too. Answers how many hosts were chosen.
+  /// Chooses the hosts not in `keepList` among those with objects or settings of the Flash player,
+  /// and answers how many. Of the player that all browsers share, the settings that stand for one
+  /// chosen host ("#HOST") go; its objects, and the settings in groups ("##NAME/HOST"), stay. Of a
+  /// player that `browser` has of its own all three go.
   std::int64_t removeFlash_keep(const std::string& browser, const KeepList& keepList);
 
   /// The part of `removeFlash_keep` for the player inside Google Chrome and Chromium. No value for
@@ -158,7 +152,7 @@ class WorkerAppDelegate final : public ApplicationDelegate, public UserNotificat
   /// Disposes of three caches in every Firefox profile.
   void clearFireFoxCache();
 
-  /// Disposes of the caches of a Chromium-like `browser`.
+  /// Disposes of the caches of a `browser` of Chromium's family.
   void clearChromeCache(const std::string& browser);
 
   /// Disposes of the caches that Safari's web processes keep in the per-user temporary folders,

@@ -1,19 +1,15 @@
-// Cookies: deleting rows against a program that only runs the statements, telling tracking cookies
-// against trying every entry, rewriting a cookie file against reading and writing it once.
+// Cookies: deleting rows against a program that only runs the statements, rewriting a cookie
+// file against reading and writing it once.
 
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
-#include <limits>
-#include <random>
 #include <sqlite3.h>
 #include <string>
 #include <vector>
 
-#include "app/WorkerAppDelegate.h"
 #include "bench/Bench.h"
-#include "cleaners/cookies/TrackingNames.h"
 #include "platform/ReplaceFile.h"
 #include "platform/SafariCookies.h"
 #include "platform/Text.h"
@@ -25,7 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kNames = 1000000;
 constexpr int kFileCookies = 50000;
 
 /// The plain way: each statement prepared, stepped and finalized, on one connection or, with
@@ -122,42 +117,6 @@ constexpr RowsCase oneHost(int rows) {
           true};
 }
 
-/// Names as stores have them: mostly ordinary, some with an entry in front.
-std::vector<std::string> makeNames(const std::vector<std::string>& catalogue) {
-  std::mt19937 random(1);
-  std::vector<std::string> names;
-  for (int i = 0; i < kNames; ++i) {
-    std::string name = random() % 4 == 0 ? catalogue[random() % catalogue.size()] : "";
-    for (auto length = 3 + random() % 12; length > 0; --length) {
-      name += "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_"[random() % 53];
-    }
-    names.push_back(name);
-  }
-  return names;
-}
-
-Comparison classification(const std::vector<std::string>& catalogue) {
-  const std::vector<std::string> names = makeNames(catalogue);
-  // What is found is added up, so that nothing is left out as unused.
-  std::ptrdiff_t found = 0;
-  const double ratio = leastRatio(
-      3, [] {},
-      [&] {
-        const TrackingNames tracking(catalogue);
-        found +=
-            std::ranges::count_if(names, [&](const auto& name) { return tracking.match(name); });
-      },
-      [&] {
-        found -= std::ranges::count_if(names, [&](const std::string& name) {
-          return std::ranges::any_of(
-              catalogue, [&name](const std::string& entry) { return name.starts_with(entry); });
-        });
-      });
-  // A different result would be no comparison at all.
-  return {"1,000,000 names told tracking or not", "122 entries one by one",
-          found == 0 ? ratio : std::numeric_limits<double>::infinity(), 0.1};
-}
-
 Comparison cookieFile() {
   const Scratch scratch;
   const std::string path = scratch.path("Users/anna/Library/Cookies/Cookies.binarycookies");
@@ -185,8 +144,7 @@ Comparison cookieFile() {
 }  // namespace
 
 std::vector<Comparison> cookieBenchmarks(const std::string& worker) {
-  return {classification(WorkerAppDelegate::defaultTrackingCookies()),
-          cookieFile(),
+  return {cookieFile(),
           {"run that deletes 5,000 Opera cookies", "open, statement, close",
            deletionRatio(worker, kOperaRows), 1.1},
           {"run that deletes 20,000 Firefox cookies", "the statements alone",

@@ -34,12 +34,12 @@ std::optional<std::string> WorkerExtras::siteWithDomainName(
   if (!domain) {
     return std::nullopt;
   }
-  std::string name = lowerCase(*domain);
-  // Deliberate: a lone "^" is a name like any other.
+  const std::string name = lowerCase(*domain);
+  // Deliberate: a lone "^" is a name like any other; before a name it marks what is of no site.
   if (name.find("file:///") != std::string::npos || (name.size() > 1 && name.front() == '^')) {
     return std::nullopt;
   }
-  // Deliberate: one dot and one "www.", each once and in this order.
+  // Deliberate: one dot and one "www.", each once and in this order. Further ones are the site's.
   std::string_view site = name;
   if (site.starts_with('.')) {
     site.remove_prefix(1);
@@ -49,12 +49,12 @@ std::optional<std::string> WorkerExtras::siteWithDomainName(
   }
 
   const std::string_view lastLabel = site.substr(startOfLast(1, site));
-  // Deliberate: an address, a name with a dot at its end and a single label are left whole.
+  // Deliberate: an address, a name with a dot at its end and a single label are left whole: the
+  // last label of each does not tell how many make a site.
   if (lastLabel.size() != site.size() && !trimDecimalDigits(lastLabel).empty()) {
     site.remove_prefix(startOfLast(labelsKept(lastLabel), site));
   }
-  name.erase(0, name.size() - site.size());
-  return name;
+  return std::string(site);
 }
 
 }  // namespace tasselby

@@ -1,15 +1,15 @@
 // The two keep lists: the sites of saved web-form passwords, from the keychain or, for Firefox,
 // from its own profiles.
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "app/Browsers.h"
+#include "app/Profiles.h"
 #include "app/WorkerAppDelegate.h"
 #include "keep/WorkerExtras.h"
 #include "platform/KeychainAttributeCodes.h"
+#include "platform/Paths.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -49,12 +49,12 @@ KeepList WorkerAppDelegate::getSmartFavouritesArray() const {
 
 KeepList WorkerAppDelegate::getFirefoxSmartFavouritesArray() const {
   KeepList sites;
-  for (const std::string& path : firefoxDatabases(platform_.files, "signons.sqlite")) {
+  const FileManager& files = platform_.files;
+  for (const std::string& profile : profilePaths(files, browserNamed("Firefox"))) {
     Sqlite database;
-    if (!database.open(path)) {
+    if (!openIfThere(files, database, join(profile, "signons.sqlite"))) {
       continue;
     }
-    const std::string profile = std::filesystem::path(path).parent_path().filename().native();
     for (const Row& login :
          database.executeQuery("SELECT * FROM moz_logins;").value_or(RowList{})) {
       const std::string* host = login.text("hostname");
@@ -62,7 +62,7 @@ KeepList WorkerAppDelegate::getFirefoxSmartFavouritesArray() const {
       // cut ("https://example.com"), and machines of the user's own network are sites here.
       const auto site = host != nullptr ? WorkerExtras::siteWithDomainName(*host) : std::nullopt;
       if (site) {
-        sites.add(*site, *host + " in Firefox's profile " + profile);
+        sites.add(*site, *host + " in Firefox's profile " + profile.substr(profile.rfind('/') + 1));
       }
     }
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -8,8 +9,8 @@ namespace tasselby {
 
 /// One message to the user.
 struct UserNotification {
-  /// Names a notification that the centre handed back; empty in one that was not yet posted.
-  std::string identifier;
+  /// Tells a notification that the centre handed back; 0 in one that it did not.
+  std::uint64_t identifier = 0;
   /// Three texts, one below the other; an empty one takes no line.
   std::string title;
   std::string subtitle;

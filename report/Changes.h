@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "keep/KeepList.h"
+#include "app/KeepList.h"
 #include "report/ScratchFolder.h"
 
 namespace tasselby {

@@ -155,12 +155,12 @@ int show(const Request& request) {
 
 int start(const Request& request) try {
   const auto isBrowser = [](const std::string& argument) {
-    return std::ranges::find(kBrowserNames, argument) != kBrowserNames.end();
+    return !browserNamed(argument).name.empty();
   };
   if (std::ranges::none_of(request.arguments, isBrowser)) {
     std::string names;
-    for (const std::string_view name : kBrowserNames) {
-      names.append(names.empty() ? "" : ", ").append(name);
+    for (const Browser& browser : kBrowsers) {
+      names.append(names.empty() ? "" : ", ").append(browser.name);
     }
     return refuse("name one of " + names);
   }

@@ -88,8 +88,8 @@ void write(const std::string& path, const std::string& table, const std::string&
 
 std::string inProfile(const std::string& browser, const std::string& profile,
                       const std::string& file) {
-  const std::string root = dataRoot(browser).substr(2);
-  return join(join(root, hasChromiumProfiles(browser) ? profile : kOnlyProfile), file);
+  const Browser known = browserNamed(browser);
+  return join(join(std::string(known.dataRoot).substr(2), known.hasProfiles ? profile : ""), file);
 }
 
 }  // namespace
@@ -98,13 +98,8 @@ std::string cookieStore(const std::string& browser, const std::string& profile) 
   if (browser == "Safari") {
     return "Library/Cookies/Cookies.binarycookies";
   }
-  if (browser == "Firefox") {
-    return join(join(std::string(kFirefoxProfiles).substr(2), profile), "cookies.sqlite");
-  }
-  if (browser == "Camino") {
-    return join(std::string(kCaminoData).substr(2), "cookies.sqlite");
-  }
-  return inProfile(browser, profile, "Cookies");
+  const bool chromium = browserNamed(browser).family == Family::kChromium;
+  return inProfile(browser, profile, chromium ? "Cookies" : "cookies.sqlite");
 }
 
 std::string channelIdStore(const std::string& browser, const std::string& profile) {
@@ -141,7 +136,7 @@ void writeCookies(const std::string& path, const std::string& browser,
     std::ofstream(path, std::ios::binary) << binaryCookieFile(cookies);
     return;
   }
-  const bool chromium = isChromiumLike(browser);
+  const bool chromium = browserNamed(browser).family == Family::kChromium;
   std::vector<Arguments> rows;
   rows.reserve(cookies.size());
   for (const SampleCookie& cookie : cookies) {

@@ -17,9 +17,8 @@ void runStatement(Sqlite& database, std::string_view format, std::vector<std::st
 
 /// Runs `format` with its "%@" replaced by `names`, joined by "','". They go in as they are: with a
 /// single quote in any of them the statement would be malformed: it is not run and changes nothing.
-/// With no names the list holds the empty text. SQLite takes statements of up to 1,000,000,000
-/// bytes (SQLITE_LIMIT_SQL_LENGTH, in Debian's build and by default); a longer one fails to prepare
-/// and changes nothing either.
+/// With no names the list holds the empty text. A statement that is too long for SQLite, by
+/// default over 1,000,000,000 bytes, changes nothing either.
 void runListStatement(Sqlite& database, std::string_view format,
                       const std::vector<std::string>& names);
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "app/Browsers.h"
+#include "app/Profiles.h"
 #include "app/WorkerAppDelegate.h"
 #include "platform/Paths.h"
 #include "storage/Disposal.h"
@@ -11,27 +11,27 @@
 namespace tasselby {
 namespace {
 
-constexpr const char* kFirefoxCaches = "~/Library/Caches/Firefox/Profiles/";
 constexpr const char* kPepperCache = "Pepper Data/Shockwave Flash/CacheWritableAdobeRoot";
 
 }  // namespace
 
 void WorkerAppDelegate::removeBrowserCache(const std::string& browser) {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
-  const auto disposeOf = [this, secure](const char* path) {
+  const Browser known = browserNamed(browser);
+  const auto disposeOf = [this, secure](const std::string& path) {
     dispose(platform_.files, platform_.files.expandTilde(path), secure);
   };
 
-  // Deliberate: "WebKit" is no Safari here.
-  if (browser == "Safari") {
-    disposeOf("~/Library/Caches/com.apple.Safari/Cache.db");
-    disposeOf("~/Library/Caches/com.apple.Safari/fsCachedData");
+  // Deliberate: nothing here for "WebKit". It has no cache of its own, and Safari's is Safari's.
+  if (known.family == Family::kSafari) {
+    disposeOf(join(known.cacheRoot, "Cache.db"));
+    disposeOf(join(known.cacheRoot, "fsCachedData"));
     clearExtraCache();
     clearExtraCookieCache();
-  } else if (isChromiumLike(browser)) {
+  } else if (known.family == Family::kChromium) {
     clearChromeCache(browser);
   } else if (browser == "Camino") {
-    disposeOf("~/Library/Caches/Camino/Cache");
+    disposeOf(join(known.cacheRoot, "Cache"));
     disposeOf("~/Library/Caches/Metadata/Camino");
   } else if (browser == "Firefox") {
     clearFireFoxCache();
@@ -43,26 +43,23 @@ void WorkerAppDelegate::removeBrowserCache(const std::string& browser) {
 
 void WorkerAppDelegate::clearFireFoxCache() {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
-  const std::string profiles = platform_.files.expandTilde(kFirefoxCaches);
-  for (const std::string& name : platform_.files.contentsOfDirectoryAtPath(profiles)) {
-    const std::string profile = join(profiles, name);
-    if (!platform_.files.hasFolderType(profile)) {
-      continue;
-    }
+  const std::string profiles = platform_.files.expandTilde(browserNamed("Firefox").cacheRoot);
+  for (const std::string& profile : foldersIn(platform_.files, profiles)) {
     for (const char* cache : {"Cache", "OfflineCache", "startupCache"}) {
-      dispose(platform_.files, join(profile, cache), secure);
+      dispose(platform_.files, join(join(profiles, profile), cache), secure);
     }
   }
 }
 
 void WorkerAppDelegate::clearChromeCache(const std::string& browser) {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
-  const std::vector<std::string> folders = profileFolders(browser);
-  if (!isChromiumLike(browser)) {
+  const Browser known = browserNamed(browser);
+  if (known.family != Family::kChromium) {
     return;
   }
-  const std::string caches = platform_.files.expandTilde(cacheRoot(browser));
-  const std::string data = platform_.files.expandTilde(dataRoot(browser));
+  const std::vector<std::string> folders = profileFolders(platform_.files, known);
+  const std::string caches = platform_.files.expandTilde(known.cacheRoot);
+  const std::string data = platform_.files.expandTilde(known.dataRoot);
   if (browser == "Opera") {
     dispose(platform_.files, join(data, "GPUCache"), secure);
   }
@@ -73,7 +70,7 @@ void WorkerAppDelegate::clearChromeCache(const std::string& browser) {
     dispose(platform_.files, data + kPepperCache, secure);
     dispose(platform_.files, join(caches, folder), secure);
     dispose(platform_.files, applicationCache, secure);
-    // Deliberate: inside the application cache, not beside it.
+    // Deliberate: inside the application cache; one beside it stays.
     dispose(platform_.files, join(applicationCache, "GPUCache"), secure);
   }
 }

@@ -47,7 +47,7 @@ void WorkerAppDelegate::clearExtraCache() {
   visitFolders(files, folders, kLevels,
                [&files, secure](const std::string& path, const std::string& name) {
                  if (name == "MediaCache") {
-                   // Deliberate: whichever application's it is.
+                   // Deliberate: whichever application's it is, which its name does not tell.
                    dispose(files, path, secure);
                  } else if (name == "com.apple.Safari") {
                    disposeIfThere(files, join(path, "ApplicationCache.db"), secure);

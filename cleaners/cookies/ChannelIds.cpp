@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "app/Browsers.h"
+#include "app/Profiles.h"
 #include "app/WorkerAppDelegate.h"
 #include "platform/Paths.h"
 #include "storage/RunStatement.h"
@@ -13,14 +13,13 @@ namespace tasselby {
 
 void WorkerAppDelegate::deleteChromeChannelID_keep(const std::string& browser,
                                                    const KeepList& keepList) {
-  if (!isChromiumLike(browser)) {
+  const Browser known = browserNamed(browser);
+  if (known.family != Family::kChromium) {
     return;
   }
-  const std::string data = platform_.files.expandTilde(dataRoot(browser));
-  for (const std::string& folder : profileFolders(browser)) {
-    const std::string path = join(join(data, folder), "Origin Bound Certs");
+  for (const std::string& profile : profilePaths(platform_.files, known)) {
     Sqlite database;
-    if (openIfThere(platform_.files, database, path)) {
+    if (openIfThere(platform_.files, database, join(profile, "Origin Bound Certs"))) {
       // Deliberate: only an origin that is a kept site to the letter stays, and with nothing kept
       // only the empty one.
       runListStatement(database, "DELETE FROM origin_bound_certs WHERE origin NOT IN ('%@');",

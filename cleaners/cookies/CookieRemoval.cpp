@@ -2,10 +2,9 @@
 // of the deletions.
 
 #include <string>
-#include <variant>
 #include <vector>
 
-#include "app/Browsers.h"
+#include "app/Profiles.h"
 #include "app/WorkerAppDelegate.h"
 #include "cleaners/cookies/CookieStores.h"
 #include "platform/Paths.h"
@@ -15,10 +14,9 @@
 namespace tasselby {
 namespace {
 
-/// Deletes the row that `record` came from, and any other with its host and identifying value. A
-/// record without one of them is passed over.
-void deleteRow(Sqlite& database, const CookieStore& store, const CookieRecord& record) {
-  const Row& row = std::get<Row>(record);
+/// Deletes `row`, and any other with its host and identifying value. One without either is passed
+/// over.
+void deleteRow(Sqlite& database, const CookieStore& store, const Row& row) {
   const std::string* host = row.text(store.hostColumn);
   const std::string* identifier = row.text(store.identifyingColumn);
   if (host != nullptr && identifier != nullptr) {
@@ -26,33 +24,31 @@ void deleteRow(Sqlite& database, const CookieStore& store, const CookieRecord& r
   }
 }
 
-/// Deletes every record over one connection.
+/// Deletes all `rows` over one connection.
 ///
-/// Deliberate: from every profile's database, since a record does not remember its own. A row of
+/// Deliberate: from every profile's database, since a row does not remember its own. One of
 /// another profile with the same host and number goes too.
-void deleteMozillaRows(const FileManager& files, const std::string& path,
-                       const std::vector<CookieRecord>& records) {
+void deleteMozillaRows(const FileManager& files, const std::string& path, const RowList& rows) {
   Sqlite database;
   if (!openIfThere(files, database, path)) {
     return;
   }
-  for (const CookieRecord& record : records) {
-    deleteRow(database, kMozillaCookies, record);
+  for (const Row& row : rows) {
+    deleteRow(database, kMozillaCookies, row);
   }
 }
 
-/// Deliberate: every record gets a connection of its own. A lock that another program holds for a
-/// while costs only the records tried in that while.
-void deleteChromiumRows(const FileManager& files, const std::string& path,
-                        const std::vector<CookieRecord>& records) {
+/// Deliberate: every row gets a connection of its own. A lock that another program holds for a
+/// while costs only the rows tried in that while.
+void deleteChromiumRows(const FileManager& files, const std::string& path, const RowList& rows) {
   // A list of profiles may be long, and most of it stale: each of those costs one look.
   if (!files.fileExistsAtPath(path)) {
     return;
   }
   Sqlite database;
-  for (const CookieRecord& record : records) {
+  for (const Row& row : rows) {
     if (openIfThere(files, database, path)) {
-      deleteRow(database, kChromiumCookies, record);
+      deleteRow(database, kChromiumCookies, row);
     }
   }
 }
@@ -62,35 +58,29 @@ void deleteChromiumRows(const FileManager& files, const std::string& path,
 CookieCounts WorkerAppDelegate::removeCookies_keepCookies(const std::string& browser,
                                                           const KeepList& keepList) {
   const CookieInventory inventory = cookies_keepCookies(browser, keepList);
-  const std::vector<CookieRecord>& records = inventory.removalList;
+  const Browser known = browserNamed(browser);
   const FileManager& files = platform_.files;
-  if (browser == "Safari") {
-    deleteSafariCookies(records);
-  } else if (browser == "Firefox") {
-    for (const std::string& path : firefoxDatabases(files, kMozillaCookies.fileName)) {
-      deleteMozillaRows(files, path, records);
+  if (known.family == Family::kSafari) {
+    deleteSafariCookies(inventory.cookies);
+  } else if (known.family == Family::kMozilla) {
+    for (const std::string& profile : profilePaths(files, known)) {
+      deleteMozillaRows(files, join(profile, kMozillaCookies.fileName), inventory.rows);
     }
-  } else if (browser == "Camino") {
-    deleteMozillaRows(files, join(files.expandTilde(kCaminoData), kMozillaCookies.fileName),
-                      records);
-  } else if (isChromiumLike(browser)) {
-    const std::vector<std::string> folders = profileFolders(browser);
+  } else if (known.family == Family::kChromium) {
     deleteChromeChannelID_keep(browser, keepList);
-    const std::string data = files.expandTilde(dataRoot(browser));
-    for (const std::string& folder : folders) {
-      deleteChromiumRows(files, join(join(data, folder), kChromiumCookies.fileName), records);
+    for (const std::string& profile : profilePaths(files, known)) {
+      deleteChromiumRows(files, join(profile, kChromiumCookies.fileName), inventory.rows);
     }
   }
   return {inventory.cookieCount, inventory.trackingCount};
 }
 
-void WorkerAppDelegate::deleteSafariCookies(const std::vector<CookieRecord>& cookies) {
-  HTTPCookieStorage& storage = platform_.cookieStorage;
-  for (const CookieRecord& cookie : cookies) {
-    storage.deleteCookie(std::get<HTTPCookie>(cookie));
+void WorkerAppDelegate::deleteSafariCookies(const std::vector<HTTPCookie>& cookies) {
+  for (const HTTPCookie& cookie : cookies) {
+    platform_.cookieStorage.deleteCookie(cookie);
   }
   // Whatever ends the run from here on, these deletions have been made.
-  storage.synchronize();
+  platform_.cookieStorage.synchronize();
 }
 
 }  // namespace tasselby

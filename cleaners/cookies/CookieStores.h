@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/Browsers.h"
+
 namespace tasselby {
 
 /// How a family of browsers keeps cookies in databases.
@@ -25,6 +27,13 @@ inline constexpr CookieStore kChromiumCookies = {
 inline constexpr CookieStore kMozillaCookies = {
     "cookies.sqlite", "SELECT * FROM moz_cookies;", "host", "id",
     "DELETE FROM moz_cookies WHERE host = '%@' AND id = '%@';"};
+
+/// How the browsers of `family` keep cookies; null for those that have no databases of them.
+constexpr const CookieStore* cookieStoreOf(Family family) {
+  return family == Family::kChromium  ? &kChromiumCookies
+         : family == Family::kMozilla ? &kMozillaCookies
+                                      : nullptr;
+}
 
 /// The column with a cookie's name, in every store.
 inline constexpr const char* kCookieNameColumn = "name";

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/WorkerAppDelegate.h"
-#include "cleaners/plugins/FlashNames.h"
+#include "cleaners/plugins/FlashSettings.h"
 #include "keep/WorkerExtras.h"
 #include "platform/Paths.h"
 #include "storage/Disposal.h"
@@ -15,8 +15,6 @@ namespace tasselby {
 namespace {
 
 constexpr const char* kPlayer = "~/Library/Preferences/Macromedia/Flash Player";
-constexpr const char* kSharedObjects =
-    "~/Library/Preferences/Macromedia/Flash Player/#SharedObjects";
 
 }  // namespace
 
@@ -26,12 +24,12 @@ std::int64_t WorkerAppDelegate::removeFlash_keep(const std::string& browser,
   const FileManager& files = platform_.files;
   std::set<std::string> removed;
 
-  const std::string sharedObjects = kSharedObjects;
+  const std::string sharedObjects = join(kPlayer, "#SharedObjects");
   for (const std::string& random :
        files.contentsOfDirectoryAtPath(files.expandTilde(sharedObjects))) {
     const std::string folder = join(sharedObjects, random);
     for (const std::string& name : files.contentsOfDirectoryAtPath(files.expandTilde(folder))) {
-      // Deliberate: here the settings domain is a host like any other.
+      // Deliberate: the settings domain is a host here, and counts as one.
       const std::string host = flashHost(name);
       if (name.starts_with(".") || keepList.contains(WorkerExtras::siteWithDomainName(host))) {
         continue;
@@ -43,7 +41,7 @@ std::int64_t WorkerAppDelegate::removeFlash_keep(const std::string& browser,
     }
   }
 
-  const std::string settings = join(kPlayer, kFlashSettings);
+  const std::string settings = join(join(kPlayer, kFlashSettingsDomain), kFlashSettings);
   visitFlashSettings(files, files.expandTilde(settings),
                      [&](const std::string& host, const std::string& entry, FlashEntry kind) {
                        if (keepList.contains(WorkerExtras::siteWithDomainName(host))) {

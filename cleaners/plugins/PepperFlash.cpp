@@ -6,9 +6,9 @@
 #include <set>
 #include <string>
 
-#include "app/Browsers.h"
+#include "app/Profiles.h"
 #include "app/WorkerAppDelegate.h"
-#include "cleaners/plugins/FlashNames.h"
+#include "cleaners/plugins/FlashSettings.h"
 #include "keep/WorkerExtras.h"
 #include "platform/Paths.h"
 #include "storage/Disposal.h"
@@ -25,7 +25,7 @@ using Visit = std::function<void(const std::string& host, const std::string& pat
 void visitHosts(const FileManager& files, const std::string& folder, const Visit& visit) {
   for (const std::string& name : files.contentsOfDirectoryAtPath(folder)) {
     if (name == kFlashSettingsDomain) {
-      const std::string settings = join(folder, kFlashSettings);
+      const std::string settings = join(join(folder, name), kFlashSettings);
       visitFlashSettings(files, settings,
                          [&](const std::string& host, const std::string& entry,
                              FlashEntry /*kind*/) { visit(host, join(settings, entry)); });
@@ -40,14 +40,15 @@ void visitHosts(const FileManager& files, const std::string& folder, const Visit
 std::optional<PepperFlashCounts> WorkerAppDelegate::clearChromeFlash_keep(
     const std::string& browser, const KeepList& keepList) {
   const bool secure = platform_.userDefaults.boolForKey("secureDeleteData");
-  if (!hasChromiumProfiles(browser)) {
+  const Browser known = browserNamed(browser);
+  if (known.family != Family::kChromium || !known.hasProfiles) {
     return std::nullopt;
   }
   std::set<std::string> seen;
   std::set<std::string> removed;
   const FileManager& files = platform_.files;
-  const std::string data = files.expandTilde(dataRoot(browser));
-  for (const std::string& profile : profileFolders(browser)) {
+  const std::string data = files.expandTilde(known.dataRoot);
+  for (const std::string& profile : profileFolders(files, known)) {
     const auto judge = [&](const std::string& host, const std::string& path) {
       const std::string pair = std::string(profile).append(":").append(host);
       seen.insert(pair);

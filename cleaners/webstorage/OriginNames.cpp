@@ -18,10 +18,10 @@ constexpr std::string_view kChromeExtension = "chrome-extension_";
 constexpr std::string_view kSafariExtension = "safari-extension_";
 constexpr std::string_view kWww = "www.";
 
-/// The host in an origin identifier such as "http_www.example.com_0". Without a second "_" it is
-/// everything behind the first, and a "www." stays.
-std::string_view hostOfOrigin(std::string_view origin) {
-  std::string_view host = origin.substr(origin.find('_') + 1);
+/// The host in the name of a web origin's file, such as "http_www.example.com_0.localstorage".
+/// Without a second "_" it is everything behind the first, and a "www." stays.
+std::string_view hostOfFileName(std::string_view name) {
+  std::string_view host = name.substr(name.find('_') + 1);
   const std::size_t end = host.find('_');
   if (end == std::string_view::npos) {
     return host;
@@ -93,7 +93,7 @@ std::vector<std::string> WorkerAppDelegate::localStorageArray_browser_keep(
     }
     const bool isWebOrigin = name.starts_with("http") && name.find('_') != std::string::npos;
     const std::string_view host =
-        isWebOrigin ? hostOfOrigin(name)
+        isWebOrigin ? hostOfFileName(name)
                     : std::string_view(name).substr(0, name.size() - kLocalStorageEnding.size());
     if (!keepList.contains(WorkerExtras::siteWithDomainName(std::string(host)))) {
       chosen.push_back(name);
@@ -107,7 +107,7 @@ std::vector<std::string> WorkerAppDelegate::mozillaLocalStorage_keep(
   std::vector<std::string> chosen;
   for (const std::string& scope : scopes) {
     const std::size_t end = scope.find(".:");
-    // Deliberate: what is no scope stays.
+    // Deliberate: what is no scope stays, for it names no site that could be told not to be kept.
     if (end != std::string::npos &&
         !keepList.contains(WorkerExtras::siteWithDomainName(hostOfScope(scope, end)))) {
       chosen.push_back(scope);

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "app/Browsers.h"
+#include "app/Profiles.h"
 #include "app/WorkerAppDelegate.h"
 #include "platform/Paths.h"
 #include "storage/Disposal.h"
@@ -29,6 +29,7 @@ constexpr const char* kDeleteScopes = "DELETE FROM webappsstore2 WHERE scope IN 
 struct Sweep {
   const FileManager& files;
   const KeepList& keepList;
+  Browser browser;
   bool secure;
 };
 
@@ -59,47 +60,35 @@ Names chosenOrigins(const Sweep& sweep, Sqlite& index) {
   return WorkerAppDelegate::databaseArray_keep(origins, sweep.keepList);
 }
 
-std::int64_t sweepSafariDatabases(const Sweep& sweep, const std::string& folder) {
+std::int64_t sweepDatabases(const Sweep& sweep, const std::string& folder) {
   Sqlite index;
   if (!openIfThere(sweep.files, index, join(folder, "Databases.db"))) {
     return 0;
   }
   const Names chosen = chosenOrigins(sweep, index);
-  // Deliberate: the files before two tables, where Chromium has its one table before the files.
-  disposeOfOrigins(sweep, folder, chosen);
-  runListStatement(index, kDeleteDatabases, chosen);
-  runListStatement(index, kDeleteOrigins, chosen);
-  return countOf(chosen);
-}
-
-std::int64_t sweepChromiumDatabases(const Sweep& sweep, const std::string& folder) {
-  Sqlite index;
-  if (!openIfThere(sweep.files, index, join(folder, "Databases.db"))) {
-    return 0;
-  }
-  const Names chosen = chosenOrigins(sweep, index);
-  runListStatement(index, kDeleteDatabases, chosen);
-  disposeOfOrigins(sweep, folder, chosen);
-  return countOf(chosen);
-}
-
-std::int64_t sweepSafariFiles(const Sweep& sweep, const std::string& folder) {
-  const Names chosen = WorkerAppDelegate::localStorageArray_browser_keep(
-      sweep.files.contentsOfDirectoryAtPath(folder), "Safari", sweep.keepList);
-  for (const std::string& name : chosen) {
-    dispose(sweep.files, join(folder, name), sweep.secure);
+  // Deliberate: for Safari the files before two tables, and for the others one table before the
+  // files. Of a run that dies in between Safari's next finds the rest, and theirs does not.
+  if (sweep.browser.family == Family::kSafari) {
+    disposeOfOrigins(sweep, folder, chosen);
+    runListStatement(index, kDeleteDatabases, chosen);
+    runListStatement(index, kDeleteOrigins, chosen);
+  } else {
+    runListStatement(index, kDeleteDatabases, chosen);
+    disposeOfOrigins(sweep, folder, chosen);
   }
   return countOf(chosen);
 }
 
-std::int64_t sweepChromiumFiles(const Sweep& sweep, const std::string& folder,
-                                const std::string& browser) {
+std::int64_t sweepFiles(const Sweep& sweep, const std::string& folder) {
   const Names chosen = WorkerAppDelegate::localStorageArray_browser_keep(
-      sweep.files.contentsOfDirectoryAtPath(folder), browser, sweep.keepList);
+      sweep.files.contentsOfDirectoryAtPath(folder), std::string(sweep.browser.name),
+      sweep.keepList);
   for (const std::string& name : chosen) {
     const std::string path = join(folder, name);
     dispose(sweep.files, path, sweep.secure);
-    dispose(sweep.files, path + "-journal", sweep.secure);
+    if (sweep.browser.family == Family::kChromium) {
+      dispose(sweep.files, path + "-journal", sweep.secure);
+    }
   }
   return countOf(chosen);
 }
@@ -146,29 +135,26 @@ std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& sco
 std::int64_t WorkerAppDelegate::removeNonFavLocalStorage_keep(const std::string& browser,
                                                               const KeepList& keepList) {
   const FileManager& files = platform_.files;
-  const Sweep sweep{files, keepList, platform_.userDefaults.boolForKey("secureDeleteData")};
+  const Sweep sweep{files, keepList, browserNamed(browser),
+                    platform_.userDefaults.boolForKey("secureDeleteData")};
+  const Family family = sweep.browser.family;
   std::int64_t count = 0;
-  if (browser == "Safari") {
-    count += sweepSafariDatabases(sweep, files.expandTilde("~/Library/Safari/Databases"));
-    const std::string localStorage = files.expandTilde("~/Library/Safari/LocalStorage");
-    count += sweepSafariFiles(sweep, localStorage);
-    pruneTracker(files, localStorage);
-  } else if (isChromiumLike(browser)) {
-    for (const std::string& folder : profileFolders(browser)) {
-      const std::string profile = join(files.expandTilde(dataRoot(browser)), folder);
-      count += sweepChromiumDatabases(sweep, join(profile, "databases"));
-      count += sweepChromiumFiles(sweep, join(profile, "Local Storage"), browser);
+  if (family == Family::kSafari) {
+    const std::string data = files.expandTilde(sweep.browser.dataRoot);
+    count += sweepDatabases(sweep, join(data, "Databases"));
+    count += sweepFiles(sweep, join(data, "LocalStorage"));
+    pruneTracker(files, join(data, "LocalStorage"));
+  } else if (family == Family::kChromium) {
+    for (const std::string& profile : profilePaths(files, sweep.browser)) {
+      count += sweepDatabases(sweep, join(profile, "databases"));
+      count += sweepFiles(sweep, join(profile, "Local Storage"));
     }
-  } else if (browser == "Camino") {
-    Names scopes;
-    const std::string store = join(files.expandTilde(kCaminoData), "webappsstore.sqlite");
-    count += sweepScopes(sweep, store, scopes);
-  } else if (browser == "Firefox") {
+  } else if (family == Family::kMozilla) {
     // Deliberate: one list for all profiles. What an earlier profile held is offered, deleted and
     // counted again with every later one.
     Names scopes;
-    for (const std::string& store : firefoxDatabases(files, "webappsstore.sqlite")) {
-      count += sweepScopes(sweep, store, scopes);
+    for (const std::string& profile : profilePaths(files, sweep.browser)) {
+      count += sweepScopes(sweep, join(profile, "webappsstore.sqlite"), scopes);
     }
   }
   return count;

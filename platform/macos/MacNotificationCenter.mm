@@ -2,7 +2,6 @@
 // replaces them asks the user's leave first, and a process that ends at once cannot wait for that.
 
 #import <Foundation/Foundation.h>
-#include <charconv>
 
 #import "platform/macos/FoundationText.h"
 #include "platform/macos/MacPlatform.h"
@@ -15,8 +14,8 @@
  @public
   tasselby::UserNotificationCenter* owner;
   tasselby::UserNotificationCenterDelegate* target;
-  // What was handed on so far; a notification's identifier is its place here. The system's own
-  // identifiers are none before somebody sets them.
+  // What was handed on so far; a notification's identifier is its place here, counted from 1. The
+  // system's own identifiers are none before somebody sets them.
   NSMutableArray* handedOn;
   // How many notifications the centre has delivered.
   NSUInteger delivered;
@@ -35,11 +34,11 @@
     handedOn = [[NSMutableArray alloc] init];
   }
   tasselby::UserNotification copy;
-  copy.identifier = std::to_string([handedOn count]);
   copy.title = tasselby::utf8([notification title]);
   copy.subtitle = tasselby::utf8([notification subtitle]);
   copy.informativeText = tasselby::utf8([notification informativeText]);
   [handedOn addObject:notification];
+  copy.identifier = [handedOn count];
   return copy;
 }
 
@@ -127,14 +126,11 @@ class MacNotificationCenter final : public UserNotificationCenter {
   }
 
   void removeDeliveredNotification(const UserNotification& notification) override {
-    const std::string& identifier = notification.identifier;
-    NSUInteger place = NSNotFound;
-    std::from_chars(identifier.data(), identifier.data() + identifier.size(), place);
     @autoreleasepool {
       NSArray* handedOn = forwarder()->handedOn;
-      if (place < [handedOn count]) {
+      if (notification.identifier != 0 && notification.identifier <= [handedOn count]) {
         [[NSUserNotificationCenter defaultUserNotificationCenter]
-            removeDeliveredNotification:[handedOn objectAtIndex:place]];
+            removeDeliveredNotification:[handedOn objectAtIndex:notification.identifier - 1]];
       }
     }
   }

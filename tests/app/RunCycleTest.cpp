@@ -72,10 +72,10 @@ TEST_F(RunCycleTest, AsksTheSystemsVersionAndThePreferenceBeforePosting) {
 
 TEST_F(RunCycleTest, AnswersTheNotificationCentre) {
   UserNotification clicked;
-  clicked.identifier = "clicked";
+  clicked.identifier = 7;
   EXPECT_TRUE(worker.userNotificationCenter_shouldPresentNotification(recorder, clicked));
   worker.userNotificationCenter_didActivateNotification(recorder, clicked);
-  EXPECT_EQ(recorder.removed, std::vector<std::string>{"clicked"});
+  EXPECT_EQ(recorder.removed, std::vector<std::uint64_t>{7});
 }
 
 }  // namespace

@@ -30,7 +30,8 @@ struct Recorder final : Application, UserDefaults, Bundle, UserNotificationCente
     removed.push_back(one.identifier);
   }
 
-  Names given, suites, removed;
+  Names given, suites;
+  std::vector<std::uint64_t> removed;
   int terminations = 0;
   bool goesOn = false;
   std::set<std::string> on;

@@ -10,8 +10,8 @@ namespace tasselby {
 /// The folder named after the Flash player's maker, which holds the player's settings by host.
 inline constexpr const char* kFlashSettingsDomain = "macromedia.com";
 
-/// The folder of those settings, below the player's own or a folder of stored objects.
-inline constexpr const char* kFlashSettings = "macromedia.com/support/flashplayer/sys";
+/// Those settings, below it.
+inline constexpr const char* kFlashSettings = "support/flashplayer/sys";
 
 /// The host that a folder or settings entry of the player stands for: `name` less one "www.".
 inline std::string flashHost(const std::string& name) {

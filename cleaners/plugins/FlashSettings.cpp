@@ -1,4 +1,4 @@
-#include "cleaners/plugins/FlashNames.h"
+#include "cleaners/plugins/FlashSettings.h"
 
 #include "platform/Paths.h"
 

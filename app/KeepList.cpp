@@ -1,4 +1,4 @@
-#include "keep/KeepList.h"
+#include "app/KeepList.h"
 
 namespace tasselby {
 
