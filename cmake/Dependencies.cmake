@@ -19,10 +19,14 @@ function(tasselby_find target module archive)
 endfunction()
 
 if(APPLE)
+  # Every Mac has these two.
   find_package(SQLite3 REQUIRED)
   add_library(sqlite ALIAS SQLite::SQLite3)
+  find_package(EXPAT REQUIRED)
+  add_library(expat ALIAS EXPAT::EXPAT)
 else()
   tasselby_find(sqlite sqlite3 libsqlite3.a)
+  tasselby_find(expat expat libexpat.a)
 endif()
 tasselby_find(utf8proc libutf8proc libutf8proc.a)
 # An application brings nothing along: what it links has to be every Mac's, or in it.
@@ -30,7 +34,6 @@ if(APPLE AND NOT (TASSELBY_STATIC AND utf8proc_ARCHIVE))
   message(FATAL_ERROR "The application needs utf8proc as an archive: libutf8proc.a was not found, "
     "or TASSELBY_STATIC is off")
 endif()
-tasselby_find(expat expat libexpat.a)
 
 add_library(worker_dependencies INTERFACE)
 target_link_libraries(worker_dependencies INTERFACE sqlite utf8proc nlohmann_json::nlohmann_json)
