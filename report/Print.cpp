@@ -50,8 +50,9 @@ std::string goesText(const Place& place) {
   text << place.gone.size() << ' '
        << place.unit.substr(0, place.gone.size() == 1 ? place.unit.size() - 1 : place.unit.size());
   if (bytes != 0) {
-    text << ", " << std::fixed << std::setprecision(1) << static_cast<double>(bytes) / 1000
-         << " kB";
+    const bool isLarge = bytes >= 1000000;
+    text << ", " << std::fixed << std::setprecision(1)
+         << static_cast<double>(bytes) / (isLarge ? 1e6 : 1e3) << (isLarge ? " MB" : " kB");
   }
   return text.str();
 }
