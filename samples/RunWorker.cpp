@@ -18,7 +18,7 @@ extern char** environ;
 namespace tasselby {
 namespace {
 
-constexpr unsigned kLongestRunSeconds = 120;
+constexpr unsigned kLongestRunSeconds = 600;
 
 /// What a process is to have of this one's environment: where programs are, and what holds a test's
 /// disturbances, the sanitizers' and GNUstep's settings.

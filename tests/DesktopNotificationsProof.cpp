@@ -15,7 +15,7 @@ namespace {
 class DesktopNotificationsTest : public ::testing::Test {
  protected:
   // What hangs is ended by an alarm.
-  DesktopNotificationsTest() { ::alarm(60); }
+  DesktopNotificationsTest() { ::alarm(600); }
   ~DesktopNotificationsTest() override { ::alarm(0); }
 
   static void postTo(const std::string& bus) {
