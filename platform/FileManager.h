@@ -8,7 +8,8 @@
 
 namespace tasselby {
 
-/// A larger file is none that a browser, a plug-in or the system wrote of those that are read whole.
+/// A larger file is none that a browser, a plug-in or the system wrote of those that are read
+/// whole.
 inline constexpr std::size_t kFileLimit = std::size_t{64} << 20;
 
 /// The file system. One implementation serves every POSIX system; another may stand in for it, and

@@ -99,7 +99,8 @@ class SafariCookies final : public HTTPCookieStorage {
   /// file. Of records with the same bytes, as many as were deleted.
   std::vector<bool> chosenOf(const BinaryCookies& parsed, Places& deleted) const {
     std::ranges::sort(deleted);
-    deleted.erase(std::unique(deleted.begin(), deleted.end()), deleted.end());
+    const auto repeated = std::ranges::unique(deleted);
+    deleted.erase(repeated.begin(), repeated.end());
     std::vector<bool> gone(parsed.cookies.size());
     // As a rule the file is the same, and its records come in the order in which they were read.
     auto next = deleted.begin();
