@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <variant>
 #include <vector>
@@ -43,10 +44,6 @@ void disposeOfOrigins(const Sweep& sweep, const std::string& folder, const Names
   }
 }
 
-std::int64_t countOf(const Names& chosen) {
-  return static_cast<std::int64_t>(chosen.size());
-}
-
 Names chosenOrigins(const Sweep& sweep, Sqlite& index) {
   Names origins;
   for (const Row& row : index.executeQuery("SELECT origin FROM Databases;").value_or(RowList{})) {
@@ -76,7 +73,7 @@ std::int64_t sweepDatabases(const Sweep& sweep, const std::string& folder) {
     runListStatement(index, kDeleteDatabases, chosen);
     disposeOfOrigins(sweep, folder, chosen);
   }
-  return countOf(chosen);
+  return std::ssize(chosen);
 }
 
 std::int64_t sweepFiles(const Sweep& sweep, const std::string& folder) {
@@ -90,7 +87,7 @@ std::int64_t sweepFiles(const Sweep& sweep, const std::string& folder) {
       dispose(sweep.files, path + "-journal", sweep.secure);
     }
   }
-  return countOf(chosen);
+  return std::ssize(chosen);
 }
 
 /// Deletes the tracker's rows for files that `folder` no longer has.
@@ -127,7 +124,7 @@ std::int64_t sweepScopes(const Sweep& sweep, const std::string& path, Names& sco
   }
   const Names chosen = WorkerAppDelegate::mozillaLocalStorage_keep(scopes, sweep.keepList);
   runListStatement(store, kDeleteScopes, chosen);
-  return countOf(chosen);
+  return std::ssize(chosen);
 }
 
 }  // namespace

@@ -71,25 +71,26 @@ std::optional<std::string_view> itemsOf(const Object& object, std::uint64_t unit
   return size <= items.size() / unit ? part(items, 0, size * unit) : std::nullopt;
 }
 
-/// A byte for each character of a text's `items`, itself if it is ASCII and else one that is not.
-std::string asciiOf(unsigned kind, std::string_view items) {
-  if (kind == kAscii) {
-    return std::string(items);
-  }
+/// The bytes of a character of `object`; 0 when it is no text.
+std::uint64_t unitOf(const Object& object) {
+  return object.kind == kAscii ? 1 : object.kind == kUtf16 ? 2 : 0;
+}
+
+/// A byte for each character in `items`, itself if it is ASCII and else one that is not.
+std::string asciiOf(std::string_view items, std::uint64_t unit) {
   std::string text;
-  for (std::size_t i = 0; i + 1 < items.size(); i += 2) {
-    text += items[i] == 0 ? items[i + 1] : '\xFF';
+  for (std::size_t i = unit - 1; i < items.size(); i += unit) {
+    text += unit == 1 || items[i - 1] == 0 ? items[i] : '\xFF';
   }
   return text;
 }
 
 /// The value of `object`; no value when its bytes are not all there.
 std::optional<bool> boolOf(const Object& object) {
-  const bool isText = object.kind == kAscii || object.kind == kUtf16;
   const bool isReal = object.kind == kReal && (object.low == 2 || object.low == 3);
-  if (isText) {
-    const auto items = itemsOf(object, object.kind == kAscii ? 1 : 2);
-    return items ? std::optional(boolValueOfString(asciiOf(object.kind, *items))) : std::nullopt;
+  if (const std::uint64_t unit = unitOf(object)) {
+    const auto items = itemsOf(object, unit);
+    return items ? std::optional(boolValueOfString(asciiOf(*items, unit))) : std::nullopt;
   }
   if (object.kind != kInteger && !isReal) {
     return object.kind == 0 && object.low == kTrue;
@@ -160,15 +161,13 @@ class BinaryList {
   /// Whether the object at `index` is the text `key`; no value when it is damaged.
   std::optional<bool> is(std::optional<std::uint64_t> index, std::string_view key) const {
     const auto object = objectAt(index);
-    if (!object || (object->kind != kAscii && object->kind != kUtf16)) {
-      return object ? std::optional(false) : std::nullopt;
+    const std::uint64_t unit = object ? unitOf(*object) : 0;
+    const auto items = unit != 0 ? itemsOf(*object, unit) : std::optional<std::string_view>("");
+    if (!object || !items) {
+      return std::nullopt;
     }
-    const std::size_t unit = object->kind == kAscii ? 1 : 2;
-    const auto items = itemsOf(*object, unit);
     // The size first: a list may name one long text any number of times.
-    return items ? std::optional(items->size() == key.size() * unit &&
-                                 asciiOf(object->kind, *items) == key)
-                 : std::nullopt;
+    return unit != 0 && items->size() == key.size() * unit && asciiOf(*items, unit) == key;
   }
 
   std::string_view objects_;

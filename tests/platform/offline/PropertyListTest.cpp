@@ -31,14 +31,6 @@ std::string binary(const std::string& value) {
          bigEndian(list.size(), 8);
 }
 
-std::string repeated(int count, const std::string& text) {
-  std::string all;
-  while (count-- > 0) {
-    all += text;
-  }
-  return all;
-}
-
 void expectValues(std::optional<bool> boolean, const std::vector<std::string>& values) {
   for (const std::string& value : values) {
     const std::string before = "<key>o</key><dict><key>k</key><true/></dict><key>k</key><true/>";
@@ -81,7 +73,6 @@ TEST(PropertyList, DamagedListHasNoKeys) {
       dictionary(member + "<true/>"),
       "<!DOCTYPE plist [<!ENTITY e 'e'>]>" + dictionary(member).substr(21),
       "{ k = YES; }",
-      "{\"k\": true}",
       "<array>" + member + "</array>",
       binary("\x09") + '\0',
       xml + xml};
@@ -97,8 +88,11 @@ TEST(PropertyList, DamagedListHasNoKeys) {
 
 TEST(PropertyList, NestingNeitherHidesAKeyNorTakesMemoryWithoutBound) {
   const auto nested = [](int depth) {
-    return dictionary("<key>o</key>" + repeated(depth, "<dict><key>k</key>") +
-                      repeated(depth, "</dict>") + "<key>k</key><true/>");
+    std::string begins, ends;
+    for (; depth > 0; --depth) {
+      begins += "<dict><key>k</key>", ends += "</dict>";
+    }
+    return dictionary("<key>o</key>" + begins + ends + "<key>k</key><true/>");
   };
   EXPECT_EQ(boolInPropertyList(nested(100'000), "k"), true);
   EXPECT_EQ(boolInPropertyList(nested(300'000), "k"), std::nullopt);
