@@ -158,7 +158,7 @@ Path StandIn::resolve(const std::string& path, bool followLast, int& links) cons
   if (path.find_first_not_of('/') == std::string::npos) {
     return "";
   }
-  const Path folder = resolve(folderOf(path), true, links);
+  Path folder = resolve(folderOf(path), true, links);
   const std::string name = nameOf(path);
   if (!folder || name.empty() || name == ".") {
     return folder;
