@@ -250,8 +250,14 @@ RunResult forecast(const std::vector<std::string>& arguments, const FileManager&
   ForecastSystem system(arguments, standIn);
   const auto keychain = makeOfflineKeychain(standIn);
   const auto cookies = makeSafariCookies(standIn);
-  WorkerAppDelegate worker(Platform{system, system, system, *keychain, *cookies, system, standIn,
-                                    kFirstVersionWithNotifications});
+  WorkerAppDelegate worker(Platform{.application = system,
+                                    .userDefaults = system,
+                                    .bundle = system,
+                                    .keychain = *keychain,
+                                    .cookieStorage = *cookies,
+                                    .notificationCenter = system,
+                                    .files = standIn,
+                                    .coreFoundationVersionNumber = kFirstVersionWithNotifications});
   worker.awakeFromNib();
   RunResult result;
   result.browser = worker.startupCheck();

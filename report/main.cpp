@@ -94,7 +94,8 @@ int preview(const Request& request, const ScratchFolder& scratch, const std::str
 
 Ending waitFor(pid_t child, const sigset_t& awaited) {
   if (::isatty(STDERR_FILENO) != 0) {
-    const itimerval everySecond = {{1, 0}, {1, 0}};
+    const timeval second = {.tv_sec = 1, .tv_usec = 0};
+    const itimerval everySecond = {.it_interval = second, .it_value = second};
     ::setitimer(ITIMER_REAL, &everySecond, nullptr);
   }
   Ending ending;
