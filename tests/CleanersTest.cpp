@@ -1,13 +1,6 @@
 // What of the cleaners a whole run over a full home does not show.
-#include <algorithm>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 #include "platform/HardError.h"
 #include "samples/KeychainWriter.h"
-#include "tests/support/Testing.h"
 #include "tests/support/WorkerTest.h"
 
 namespace tasselby {
@@ -108,7 +101,7 @@ TEST_F(Cleaners, ScopesAreOfferedAgainWithEveryLaterProfile) {
   }
   // In the order of the folder: the one without the table chooses what those before it hold.
   Names order;
-  for (const auto& entry : std::filesystem::directory_iterator(home.path(kFirefox))) {
+  for (const auto& entry : fs::directory_iterator(home.path(kFirefox))) {
     order.push_back(entry.path().filename().native());
   }
   EXPECT_EQ(worker.removeNonFavLocalStorage_keep("Firefox", kKept),
@@ -149,7 +142,7 @@ TEST_F(Cleaners, SilverlightFinishesWhatWasCutOffAndPassesOverWhatHasGone) {
   EXPECT_EQ(home.list(folder + "s"), Names{"kept"});
   EXPECT_EQ(home.list(folder + "g"), Names{});
   // As another worker would, whichever store goes first takes the other with it.
-  std::filesystem::remove(home.path(folder + "g"));
+  fs::remove(home.path(folder + "g"));
   addStore("is/a/b/c", "1", "gone.com");
   addStore("is/a/b/c", "2", "out.com");
   home.file(folder + "s/1/group.dat", "2").file(folder + "s/2/group.dat", "1");
@@ -178,7 +171,7 @@ TEST_F(Cleaners, WithoutProfilesOrForAnotherNameOnlyWhatIsSharedGoes) {
     EXPECT_EQ(worker.removeFlash_keep(browser, {}), 0);
     worker.removeBrowserCache(browser);
     EXPECT_EQ(home.list("Library/Caches/QuickTime"), Names{});
-    std::filesystem::remove_all(home.path("Library/Caches"));
+    fs::remove_all(home.path("Library/Caches"));
     EXPECT_EQ(home.snapshot(), before) << browser;
   }
   EXPECT_EQ(worker.userProfiles("Opera"), worker.userProfiles("Chromium"));

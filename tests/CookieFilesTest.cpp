@@ -1,17 +1,12 @@
 // Files of the system's cookie storage, sound and damaged.
-#include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <vector>
 
 #include "platform/BinaryCookies.h"
 #include "platform/SafariCookies.h"
 #include "samples/BinaryCookieWriter.h"
-#include "samples/ScratchHome.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 namespace {
@@ -151,7 +146,7 @@ TEST_F(CookieStorage, RewritesWhatALinkNamesOnceAndKeepsItsMode) {
   const ino_t after = status().st_ino;
   EXPECT_NE(after, before);
   EXPECT_EQ(status().st_mode & 07777, 0640U);
-  EXPECT_TRUE(std::filesystem::is_symlink(home.path(kPath)));
+  EXPECT_TRUE(fs::is_symlink(home.path(kPath)));
   EXPECT_EQ(home.contents(kPath).size(), binaryCookieFile({kFour[1]}).size() + 16) << "empty page";
   EXPECT_EQ(home.list("real"), Names{"file"});
   storage->deleteCookie(cookies[2]);

@@ -1,22 +1,13 @@
 // Runs in which system calls fail, runs that are killed, and runs beside other processes: nothing
 // kept is lost, and nothing is left unsound. strace makes calls fail and says in which order they
 // come. A few of each belong to the tests; TEST_ROUNDS in the environment multiplies them.
-#include <algorithm>
 #include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <map>
-#include <optional>
 #include <random>
-#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
-#include "samples/RunWorker.h"
-#include "samples/SampleStores.h"
 #include "tests/support/Testing.h"
 
 namespace tasselby {

@@ -1,10 +1,5 @@
 // Paths and files: what is seen and removed of them, and how they are overwritten.
-#include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <set>
-#include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -12,9 +7,9 @@
 
 #include "platform/FileManager.h"
 #include "platform/Paths.h"
-#include "samples/ScratchHome.h"
 #include "storage/Disposal.h"
 #include "storage/SecureDelete.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 namespace {
@@ -33,7 +28,7 @@ struct Files : ::testing::Test {
   bool makeSparse(std::uintmax_t size) {
     home.file("sparse", "start");
     std::error_code error;
-    std::filesystem::resize_file(home.path("sparse"), size, error);
+    fs::resize_file(home.path("sparse"), size, error);
     return !error;
   }
 };
@@ -166,7 +161,7 @@ TEST_F(Files, OverwritingCountsOnlyTheLowHalfOfTheSize) {
     GTEST_SKIP() << "no room for a sparse file";
   }
   EXPECT_TRUE(wipe("sparse", 1));
-  std::filesystem::resize_file(home.path("sparse"), 5);
+  fs::resize_file(home.path("sparse"), 5);
   EXPECT_EQ(home.contents("sparse"),
             "\x55\x55"
             "art");
@@ -188,7 +183,7 @@ TEST_F(Files, OverwritingSubtractsWhatAFailedWriteAnswered) {
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
-  std::filesystem::resize_file(home.path("sparse"), 4097);
+  fs::resize_file(home.path("sparse"), 4097);
   EXPECT_EQ(home.contents("sparse"), std::string(4096, '\x55') + '\0');
 }
 
@@ -196,7 +191,7 @@ TEST_F(Files, DisposalRemovesOnlyWhatCouldBeOverwritten) {
   home.file("file").file("folder/inside", "as it was").file("target", "secret");
   home.link("link", "target").link("to folder", "folder").link("dangling", "nowhere");
   home.socket("socket");
-  std::filesystem::create_hard_link(home.path("folder/inside"), home.path("witness"));
+  fs::create_hard_link(home.path("folder/inside"), home.path("witness"));
   for (const char* name :
        {"file", "to folder", "folder", "link", "dangling", "socket", "missing"}) {
     dispose(files, home.path(name), true);

@@ -1,10 +1,5 @@
 // The keychain's file and the browsers' list of profiles, sound and damaged.
-#include <algorithm>
-#include <gtest/gtest.h>
-#include <map>
-#include <string>
 #include <sys/stat.h>
-#include <vector>
 
 #include "app/LocalState.h"
 #include "keep/WorkerExtras.h"
@@ -131,10 +126,10 @@ TEST_F(KeychainFolder, ReadsTheOlderKeychainOnlyWithoutANewerOne) {
   const std::string sound = keychainFile({{.server = "a.test"}});
   home.link(kNewer, "nowhere").file(kOlder, sound);
   EXPECT_TRUE(WorkerExtras::allAccounts(*keychain)) << "a dangling link is no keychain";
-  std::filesystem::remove(home.path(kNewer));
+  fs::remove(home.path(kNewer));
   home.file(kNewer, sound.substr(0, sound.size() - 5));
   EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "damaged";
-  std::filesystem::remove(home.path(kNewer));
+  fs::remove(home.path(kNewer));
   ASSERT_EQ(::mkfifo(home.path(kNewer).c_str(), 0600), 0);
   EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "a FIFO without a writer";
 }

@@ -1,10 +1,5 @@
 // What maps text to text: hosts to sites, origins, files' names and scopes to what goes.
-#include <algorithm>
 #include <cstdint>
-#include <gtest/gtest.h>
-#include <map>
-#include <optional>
-#include <string>
 
 #include "keep/WorkerExtras.h"
 #include "samples/BinaryCookieWriter.h"

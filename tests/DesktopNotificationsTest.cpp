@@ -1,22 +1,18 @@
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include "platform/offline/OfflinePlatform.h"
 #include "samples/NotificationBus.h"
-#include "samples/ScratchHome.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 namespace {
 
-class DesktopNotificationsTest : public ::testing::Test {
- protected:
-  // What hangs is ended by an alarm.
-  DesktopNotificationsTest() { ::alarm(600); }
-  ~DesktopNotificationsTest() override { ::alarm(0); }
+/// Posts to the service at `bus`. What hangs is ended by an alarm.
+struct DesktopNotifications : ::testing::Test {
+  DesktopNotifications() { ::alarm(600); }
+  ~DesktopNotifications() override { ::alarm(0); }
 
   static void postTo(const std::string& bus) {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.c_str(), 1);
@@ -27,7 +23,7 @@ class DesktopNotificationsTest : public ::testing::Test {
   }
 };
 
-TEST_F(DesktopNotificationsTest, TellsTheServiceTheReport) {
+TEST_F(DesktopNotifications, TellsTheServiceTheReport) {
   const NotificationBus bus;
   // A hundred posts that each waited in vain would end in the alarm.
   for (int i = 0; i < 100; ++i) {
@@ -42,7 +38,7 @@ TEST_F(DesktopNotificationsTest, TellsTheServiceTheReport) {
   EXPECT_TRUE(received[0].isSilent);
 }
 
-TEST_F(DesktopNotificationsTest, DoesNotWaitForWhatIsMissingOrMute) {
+TEST_F(DesktopNotifications, DoesNotWaitForWhatIsMissingOrMute) {
   ScratchHome home;
   const std::string path = home.path("mute");
   sockaddr_un address{};
