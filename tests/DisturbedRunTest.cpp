@@ -309,6 +309,23 @@ TEST_F(DisturbedRun, DatabasesAndPasswordsAreOpenedAsOftenAsTheyShould) {
   }
 }
 
+TEST_F(DisturbedRun, ATrackerIsNotPrunedByAListingThatFailed) {
+  const std::string tracker = home->home() + "/Library/Safari/LocalStorage/StorageTracker.db";
+  const Names rows = plainly(tracker, "SELECT * FROM Origins");
+  std::vector<std::size_t> calls;
+  const Names lists = trace({"Safari"}, "getdents64");
+  for (std::size_t i = 0; i < lists.size(); ++i) {
+    if (hasOneOf(lists[i], {"Safari/LocalStorage>"})) {
+      calls.push_back(i + 1);
+    }
+  }
+  // Two calls a listing: the entries, and their end. The second listing is the tracker's.
+  ASSERT_EQ(calls.size(), 4U);
+  reset();
+  runInjected({"Safari"}, "getdents64", ":error=EIO", std::to_string(calls[2]));
+  EXPECT_EQ(plainly(tracker, "SELECT * FROM Origins"), rows);
+}
+
 TEST_F(DisturbedRun, RemovalLeavesAloneWhatCannotBeRemoved) {
   const std::string cache = home->home() + "/Library/Caches/Camino/Cache";
   const auto fill = [&cache] {
