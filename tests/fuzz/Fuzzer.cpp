@@ -9,6 +9,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <unistd.h>
 
 #include "app/LocalState.h"
 #include "app/WorkerAppDelegate.h"
