@@ -156,6 +156,9 @@ TEST_F(Cleaners, WithoutProfilesOrForAnotherNameOnlyWhatIsSharedGoes) {
   home.file(kSupport + "Google/Chrome/Local State", "{}")
       .file(kSupport + "Chromium/Local State", R"({"profile": {"info_cache": {"": {"name": ""}}}})")
       .file(kSupport + "Chromium/Local Storage/http_gone_0.localstorage")
+      .file(kSupport + "com.operasoftware.Opera/Local Storage/http_gone_0.localstorage")
+      .file(kSupport + "com.operasoftware.Opera/GPUCache/data")
+      .file("Library/Safari/LocalStorage/http_gone_0.localstorage")
       .file(kSupport + "Google/ChromePepper Data/Shockwave Flash/CacheWritableAdobeRoot/asset");
   const auto pepper = worker.clearChromeFlash_keep("Google Chrome", {});
   EXPECT_TRUE(pepper && pepper->seen == 0 && pepper->removed == 0);

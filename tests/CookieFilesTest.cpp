@@ -1,6 +1,4 @@
 // Files of the system's cookie storage, sound and damaged.
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "platform/BinaryCookies.h"
@@ -181,21 +179,6 @@ TEST_F(CookieStorage, NeverWritesADamagedFileAndRewritesTheOther) {
   storage->synchronize();
   EXPECT_EQ(home.contents(kPath), damaged);
   EXPECT_EQ(parseBinaryCookies(home.contents(other)).cookies.size(), 1U);
-}
-
-TEST_F(CookieStorage, LeavesTheOldFileWhenWritingFails) {
-  home.file(kPath, binaryCookieFile(kFour));
-  remove({0, 1, 2, 3});
-  rlimit limit{};
-  ::getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit lower = {20, limit.rlim_max};
-  const auto action = std::signal(SIGXFSZ, SIG_IGN);
-  ::setrlimit(RLIMIT_FSIZE, &lower);
-  storage->synchronize();
-  ::setrlimit(RLIMIT_FSIZE, &limit);
-  std::signal(SIGXFSZ, action);
-  EXPECT_EQ(home.contents(kPath), binaryCookieFile(kFour));
-  EXPECT_EQ(home.list("Library/Cookies").size(), 1U);
 }
 
 }  // namespace

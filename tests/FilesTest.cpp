@@ -87,29 +87,6 @@ TEST_F(Files, OnlyRegularFilesAreReadAndNothingIsWaitedFor) {
   EXPECT_EQ(files.contentsOfFile(home.path("text"), 1), std::nullopt);
 }
 
-TEST_F(Files, TreesGoAndNeverWhatLinksName) {
-  home.file("canary/file").file("tree/deep/er/file").link("tree/deep/link", "../../canary");
-  home.link("tree/root", "/").link("link", "canary").link("dangling", "nowhere");
-  for (const char* path : {"tree", "link", "dangling", "missing"}) {
-    files.removeItemAtPath(home.path(path));
-  }
-  files.removeItemAtPath(home.path(std::string("canary\0x", 8)));
-  EXPECT_EQ(home.list(""), Names{"canary"});
-  EXPECT_EQ(home.list("canary"), Names{"file"});
-}
-
-TEST_F(Files, EnumerationReachesEveryDepthUntilToldToStop) {
-  home.file("tree/a/b/.c").file("tree/d").file("outside/e").link("tree/link", "../outside");
-  std::set<std::string> visited;
-  const auto visit = [&visited](const std::string& path) { return visited.insert(path).second; };
-  EXPECT_TRUE(files.enumerateDeep(home.path("tree"), visit));
-  EXPECT_EQ(visited, (std::set<std::string>{home.path("tree/a"), home.path("tree/a/b"),
-                                            home.path("tree/a/b/.c"), home.path("tree/d"),
-                                            home.path("tree/link")}));
-  EXPECT_FALSE(files.enumerateDeep(home.path("tree"), visit)) << "all have been there";
-  EXPECT_TRUE(files.enumerateDeep(home.path("missing"), visit));
-}
-
 TEST_F(Files, OverwritingRepeatsOneBufferOverTheWholeFile) {
   // One size below and one above what a single call gathers, neither a multiple of the buffer's.
   for (const std::size_t size : {std::size_t{5000}, kBuffer * 1024 * 2 + 5}) {

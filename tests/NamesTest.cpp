@@ -1,5 +1,7 @@
 // What maps text to text: hosts to sites, origins, files' names and scopes to what goes.
 #include <cstdint>
+#include <iterator>
+#include <sstream>
 
 #include "keep/WorkerExtras.h"
 #include "samples/BinaryCookieWriter.h"
@@ -8,161 +10,116 @@
 namespace tasselby {
 namespace {
 
-// U+1F600: two 16-bit units, here in the order that text has them and in the other.
-const std::string kFace = "\xF0\x9F\x98\x80";
-const std::string kSwapped = "\xED\xB8\x80\xED\xA0\xBD";
+// A host and, behind ">", its site, if it has one. Lengths are in 16-bit units; lower case and
+// decimal digits are those of all scripts, and a superscript two is none. Bytes that are no text
+// stay as they are, a unit each; a surrogate alone is one unit.
+constexpr const char* kSites =
+    "www.Example.COM>example.com news.example.co.uk>example.co.uk "
+    "x.shop.example.info>shop.example.info example.info>example.info "
+    "192.168.1.10>192.168.1.10 host.123>host.123 localhost>localhost "
+    "EXAMPLE.com.>example.com. ..example.com>example.com .www.example.com>example.com "
+    "www.www.example.de>www.example.de www2.example.com>example.com "
+    "wwwx.example.de>wwwx.example.de www.example.com:8080>example.com:8080 "
+    "www.x.y.1a2>y.1a2 w.x.y.a1>x.y.a1 ...x.info>.x.info "
+    "https://example.com>https://example.com file:///Users/a a.FILE:///b file://x>file://x "
+    "^abc ^>^ .^a>^a > .> A.B.C.\xF0\x9F\x98\x80x>c.\xF0\x9F\x98\x80x "
+    "a.b.c.d\xF0\x9F\x98\x80>c.d\xF0\x9F\x98\x80 "
+    "a.b.\xC3\x84\xC3\x96\xC3\x9C>b.\xC3\xA4\xC3\xB6\xC3\xBC "
+    "a.b.c.\xD9\xA1\xD9\xA2\xD9\xA3>a.b.c.\xD9\xA1\xD9\xA2\xD9\xA3 "
+    "a.b.c.\xD9\xA1z\xD9\xA3>c.\xD9\xA1z\xD9\xA3 a.b.c.\xC2\xB2>b.c.\xC2\xB2 "
+    "A.\xFF.\xFE\xC3Z>\xFF.\xFE\xC3z A.b.c.\xFF\xF0\x9F\x98>b.c.\xFF\xF0\x9F\x98 "
+    "A.b.c.\xED\xA0\x80"
+    "d\xC0>c.\xED\xA0\x80"
+    "d\xC0 "
+    "A.b.c.\xF4\x90\x80\x80>b.c.\xF4\x90\x80\x80 A.b.c.\xE0\x80\x80>c.\xE0\x80\x80";
+
+// Origins of databases, and scopes: "+" before one that is chosen, "-" before one that is kept. Of
+// a scope only an address that begins with "www." behind the first "//" counts, and up to its "/".
+// Escapes are bytes of UTF-8, "+" is a blank and "%2B" a plus; "%2F" ends the host.
+constexpr const char* kOrigins =
+    "+http_www.example.com_0 +https_example.com_0 +https_mail.example.co.uk_443 +file__0 "
+    "-chrome-extension_abcdefghijklmnop_0 -safari-extension_com.example.ext-0123456789_0 "
+    "+chrome-extension +Chrome-extension_abcdefghijklmnop_0 -example.com -www.example.com + "
+    "+http_\xFF_0";
+
+constexpr const char* kScopes =
+    "-moc.elpmaxe.www.:http:80 -moc.elpmaxe.:https:443 -ku.oc.elpmaxe.liam.:https:443 "
+    "+gro.elpmaxe.:http:80 +gro.elpmaxe.:x.:moc.elpmaxe.: +1.0.0.721.:http:8080 "
+    "-gro.elpmaxe +.:http:80 -moc.elpmaxe.\xFF.:http:80 "
+    "-moc.elpmaxe.\xF0\x9F\x98\x80.:http:80 -moc.elpmaxe.\xED\xB8\x80\xED\xA0\xBD.:http:80 "
+    "-p/moc.elpmaxe.www//x.:http:80 +p/moc.elpmaxe//x.:http:80 -moc.elpmaxe.www//.:http:80 "
+    "-moc.elpmaxe.www//:sptth.: -gro.x.www//moc.elpmaxe.www//x.:http:80 "
+    "+moc.elpmaxe.www//gro.x.www//x.:http:80 -moc.elpmaxe.www//gro.b.: "
+    "-moc.elpm14%xe.www//x.:http:80 -moc.elpmaxe.77%ww//x.: +moc.elpm%xe.www//x.:http:80 "
+    "+FF%.moc.elpmaxe.www//x.: +CB%3C%.moc.elpmaxe.www//x.: -x/CB%3C%/moc.elpmaxe.www//x.: "
+    "+3C%/moc.elpmaxe.www//x.: -moc.b+a.www//x.: +moc.bB2%a.www//x.: "
+    "-gro.xF2%moc.elpmaxe.www//x.:";
+
+// One letter for each of Safari, Google Chrome, Chromium, Opera, and "Chrome" that nobody is: c for
+// chosen, k for kept. Then a file's name.
+constexpr const char* kFiles =
+    "kkkkkhttp_www.example.com_0.localstorage kkkkkhttps_mail.example.com_0.localstorage "
+    "kkkkkhttps_mail.example.co.uk_0.localstorage kkkkkhttpx_example.com_0_1.localstorage "
+    "ccccchttp_example.org_80.localstorage ccccchttp_192.168.0.10_8080.localstorage "
+    "cccccfile__0.localstorage cccccftp_example.com_0.localstorage "
+    "ccccchttp_example.com.localstorage ccccchttp_www.example.com.localstorage "
+    "kkkkkhttp.example.com.localstorage "
+    "cckckchrome-extension_abcdefghijklmnop_0.localstorage "
+    "kccccsafari-extension_com.example.ext-0123456789_0.localstorage "
+    "cccccHTTP_www.example.com_0.localstorage kkkkkexample.com.localstorage "
+    "ccccc.localstorage kkkkkhttp_\xFF.example.com_0.localstorage "
+    "kkkkkhttp_www.example.org_0.localstorage-journal kkkkkhttp_example.org_0.LOCALSTORAGE "
+    "kkkkkStorageTracker.db";
+
+Names words(const std::string& text) {
+  std::istringstream in(text);
+  return {std::istream_iterator<std::string>(in), {}};
+}
 
 TEST(Names, HostsReduceToSites) {
-  const std::map<std::string, std::optional<std::string>> siteByHost = {
-      {"www.Example.COM", "example.com"},
-      {"news.example.co.uk", "example.co.uk"},
-      {"x.shop.example.info", "shop.example.info"},
-      {"example.info", "example.info"},
-      {"192.168.1.10", "192.168.1.10"},
-      {"host.123", "host.123"},
-      {"localhost", "localhost"},
-      {"EXAMPLE.com.", "example.com."},
-      {"..example.com", "example.com"},
-      {".www.example.com", "example.com"},
-      {"www.www.example.de", "www.example.de"},
-      {"www2.example.com", "example.com"},
-      {"wwwx.example.de", "wwwx.example.de"},
-      {"www.example.com:8080", "example.com:8080"},
-      {"www.x.y.1a2", "y.1a2"},
-      {"w.x.y.a1", "x.y.a1"},
-      {"...x.info", ".x.info"},
-      {"https://example.com", "https://example.com"},
-      {"file:///Users/a", std::nullopt},
-      {"a.FILE:///b", std::nullopt},
-      {"file://x", "file://x"},
-      {"^abc", std::nullopt},
-      {"^", "^"},
-      {".^a", "^a"},
-      {"", ""},
-      {".", ""},
-      // Lengths are in 16-bit units; lower case and decimal digits are those of all scripts, and a
-      // superscript two is none.
-      {"A.B.C." + kFace + "x", "c." + kFace + "x"},
-      {"a.b.c.d" + kFace, "c.d" + kFace},
-      {"a.b.\xC3\x84\xC3\x96\xC3\x9C", "b.\xC3\xA4\xC3\xB6\xC3\xBC"},
-      {"a.b.c.\xD9\xA1\xD9\xA2\xD9\xA3", "a.b.c.\xD9\xA1\xD9\xA2\xD9\xA3"},
-      {"a.b.c.\xD9\xA1z\xD9\xA3", "c.\xD9\xA1z\xD9\xA3"},
-      {"a.b.c.\xC2\xB2", "b.c.\xC2\xB2"},
-      // Bytes that are no text stay as they are, a unit each; a surrogate alone is one unit.
-      {"A.\xFF.\xFE\xC3Z", "\xFF.\xFE\xC3z"},
-      {"A.b.c.\xFF\xF0\x9F\x98", "b.c.\xFF\xF0\x9F\x98"},
-      {"A.b.c.\xED\xA0\x80"
-       "d\xC0",
-       "c.\xED\xA0\x80"
-       "d\xC0"},
-      {"A.b.c.\xF4\x90\x80\x80", "b.c.\xF4\x90\x80\x80"},
-      {"A.b.c.\xE0\x80\x80", "c.\xE0\x80\x80"},
-  };
-  for (const auto& [host, site] : siteByHost) {
-    EXPECT_EQ(WorkerExtras::siteWithDomainName(host), site) << host;
+  for (const std::string& word : words(kSites)) {
+    const std::size_t mark = word.find('>');
+    EXPECT_EQ(WorkerExtras::siteWithDomainName(word.substr(0, mark)),
+              mark == word.npos ? std::nullopt : std::optional(word.substr(mark + 1)))
+        << word;
   }
   EXPECT_EQ(WorkerExtras::siteWithDomainName(std::nullopt), std::nullopt);
 }
 
 class NamesIn : public WorkerTest {
  protected:
+  template <typename Choose>
+  void expectChosen(const Choose& choose, const std::string& table) {
+    for (const std::string& word : words(table)) {
+      const std::string name = word.substr(1);
+      EXPECT_EQ(choose({name}, keepList), Names(word[0] == '+' ? 1 : 0, name));
+    }
+  }
+
   const KeepList keepList = {"example.com", "example.co.uk", "a b.com", "a/b.com", "b.com"};
 };
 
 TEST_F(NamesIn, DatabasesOfExtensionsStayAndNoWebOriginsDo) {
-  const std::map<std::string, bool> chosenByOrigin = {
-      {"http_www.example.com_0", true},
-      {"https_example.com_0", true},
-      {"https_mail.example.co.uk_443", true},
-      {"file__0", true},
-      {"chrome-extension_abcdefghijklmnop_0", false},
-      {"safari-extension_com.example.ext-0123456789_0", false},
-      {"chrome-extension", true},
-      {"Chrome-extension_abcdefghijklmnop_0", true},
-      {"example.com", false},
-      {"www.example.com", false},
-      {"", true},
-      {"http_\xFF_0", true},
-  };
-  for (const auto& [origin, chosen] : chosenByOrigin) {
-    EXPECT_EQ(worker.databaseArray_keep({origin}, keepList), Names(chosen ? 1 : 0, origin));
-  }
+  expectChosen(WorkerAppDelegate::databaseArray_keep, kOrigins);
   const Names repeated = {"http_b_0", "file__0", "http_b_0"};
   EXPECT_EQ(worker.databaseArray_keep({"http_b_0", "example.com", "file__0", "http_b_0"}, keepList),
             repeated);
 }
 
 TEST_F(NamesIn, LocalStorageFilesGoByTheirHostAndBrowser) {
-  // One letter for each of Safari, Google Chrome, Chromium, Opera, and "Chrome" that nobody is: c
-  // for chosen, k for kept.
-  const std::map<std::string, std::string> fatesByName = {
-      {"http_www.example.com_0.localstorage", "kkkkk"},
-      {"https_mail.example.com_0.localstorage", "kkkkk"},
-      {"https_mail.example.co.uk_0.localstorage", "kkkkk"},
-      {"httpx_example.com_0_1.localstorage", "kkkkk"},
-      {"http_example.org_80.localstorage", "ccccc"},
-      {"http_192.168.0.10_8080.localstorage", "ccccc"},
-      {"file__0.localstorage", "ccccc"},
-      {"ftp_example.com_0.localstorage", "ccccc"},
-      {"http_example.com.localstorage", "ccccc"},
-      {"http_www.example.com.localstorage", "ccccc"},
-      {"http.example.com.localstorage", "kkkkk"},
-      {"chrome-extension_abcdefghijklmnop_0.localstorage", "cckck"},
-      {"safari-extension_com.example.ext-0123456789_0.localstorage", "kcccc"},
-      {"HTTP_www.example.com_0.localstorage", "ccccc"},
-      {"example.com.localstorage", "kkkkk"},
-      {".localstorage", "ccccc"},
-      {"http_\xFF.example.com_0.localstorage", "kkkkk"},
-      {"http_www.example.org_0.localstorage-journal", "kkkkk"},
-      {"http_example.org_0.LOCALSTORAGE", "kkkkk"},
-      {"StorageTracker.db", "kkkkk"},
-  };
   const Names browsers = {"Safari", "Google Chrome", "Chromium", "Opera", "Chrome"};
-  for (const auto& [name, fates] : fatesByName) {
+  for (const std::string& word : words(kFiles)) {
+    const std::string name = word.substr(5);
     for (std::size_t i = 0; i < browsers.size(); ++i) {
       EXPECT_EQ(worker.localStorageArray_browser_keep({name}, browsers[i], keepList),
-                Names(fates[i] == 'c' ? 1 : 0, name))
+                Names(word[i] == 'c' ? 1 : 0, name))
           << browsers[i];
     }
   }
 }
 
 TEST_F(NamesIn, ScopesAreReadBackwards) {
-  const std::map<std::string, bool> chosenByScope = {
-      {"moc.elpmaxe.www.:http:80", false},
-      {"moc.elpmaxe.:https:443", false},
-      {"ku.oc.elpmaxe.liam.:https:443", false},
-      {"gro.elpmaxe.:http:80", true},
-      {"gro.elpmaxe.:x.:moc.elpmaxe.:", true},
-      {"1.0.0.721.:http:8080", true},
-      {"gro.elpmaxe", false},
-      {".:http:80", true},
-      {"moc.elpmaxe.\xFF.:http:80", false},
-      {"moc.elpmaxe." + kFace + ".:http:80", false},
-      {"moc.elpmaxe." + kSwapped + ".:http:80", false},
-      // Only an address that begins with "www." behind the first "//" counts, and up to its "/".
-      {"p/moc.elpmaxe.www//x.:http:80", false},
-      {"p/moc.elpmaxe//x.:http:80", true},
-      {"moc.elpmaxe.www//.:http:80", false},
-      {"moc.elpmaxe.www//:sptth.:", false},
-      {"gro.x.www//moc.elpmaxe.www//x.:http:80", false},
-      {"moc.elpmaxe.www//gro.x.www//x.:http:80", true},
-      {"moc.elpmaxe.www//gro.b.:", false},
-      // Escapes are bytes of UTF-8, "+" is a blank and "%2B" a plus; "%2F" ends the host.
-      {"moc.elpm14%xe.www//x.:http:80", false},
-      {"moc.elpmaxe.77%ww//x.:", false},
-      {"moc.elpm%xe.www//x.:http:80", true},
-      {"FF%.moc.elpmaxe.www//x.:", true},
-      {"CB%3C%.moc.elpmaxe.www//x.:", true},
-      {"x/CB%3C%/moc.elpmaxe.www//x.:", false},
-      {"3C%/moc.elpmaxe.www//x.:", true},
-      {"moc.b+a.www//x.:", false},
-      {"moc.bB2%a.www//x.:", true},
-      {"gro.xF2%moc.elpmaxe.www//x.:", false},
-  };
-  for (const auto& [scope, chosen] : chosenByScope) {
-    EXPECT_EQ(worker.mozillaLocalStorage_keep({scope}, keepList), Names(chosen ? 1 : 0, scope));
-  }
+  expectChosen(WorkerAppDelegate::mozillaLocalStorage_keep, kScopes);
 }
 
 TEST_F(NamesIn, TheCatalogueHasItsNamesInOrderAndEachMarksACookie) {
