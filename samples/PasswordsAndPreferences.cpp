@@ -1,6 +1,5 @@
 // What tells the worker what to do: preferences, saved passwords, lists of profiles.
 
-#include "samples/CookieDatabases.h"
 #include "samples/KeychainWriter.h"
 #include "samples/SampleStores.h"
 
@@ -58,9 +57,14 @@ void addPasswords(const MacHome& home) {
 }
 
 void addProfileLists(const MacHome& home) {
+  std::string profiles;
+  for (const std::string& name : kChromiumProfileNames) {
+    profiles.append(profiles.empty() ? "" : ",")
+        .append("\"" + name + "\":{\"name\":\"" + name + "\"}");
+  }
   for (const char* root : {"Google/Chrome", "Chromium"}) {
     home.writeFile("Library/Application Support/" + std::string(root) + "/Local State",
-                   localState(kChromiumProfileNames));
+                   R"({"profile":{"info_cache":{)" + profiles + "}}}");
   }
 }
 
