@@ -1,8 +1,8 @@
 #pragma once
 
-// Stands in for GNUstep's header of that name: what the worker uses of it, no more. GNUstep's library
-// lacks the classes, or has ones that show nothing without a desktop, and so these have names of
-// their own.
+// Stands in for GNUstep's header of that name: what the worker uses of it, no more. GNUstep's
+// library lacks the classes, or has ones that show nothing without a desktop, and so these have
+// names of their own.
 
 #import <Foundation/NSObject.h>
 
