@@ -172,7 +172,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const char* name = std::getenv("FUZZ_TARGET");
   if (name == nullptr) {
     writeSeeds(std::getenv("FUZZ_SEEDS"));
-    std::exit(0);
+    std::fflush(stdout);
+    std::_Exit(0);  // An ordinary exit counts as a finding.
   }
   static const Target& target = kTargets.at(name);
   target.run(std::string(data, data + size));
