@@ -39,9 +39,10 @@ KeepList WorkerAppDelegate::getSmartFavouritesArray() const {
     if (valueOf(item, kAuthenticationTypeCode) != "form") {
       continue;
     }
-    const auto site = WorkerExtras::siteWithDomainName(valueOf(item, kServerCode));
-    if (site && !isLocal(*site)) {
-      sites.add(*site, *valueOf(item, kServerCode) + " in the login keychain");
+    const auto server = valueOf(item, kServerCode);
+    const auto site = WorkerExtras::siteWithDomainName(server);
+    if (server && site && !isLocal(*site)) {
+      sites.add(*site, *server + " in the login keychain");
     }
   }
   return sites;

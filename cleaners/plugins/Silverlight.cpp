@@ -57,7 +57,7 @@ std::string asideOf(const std::string& path) {
 /// The site of the store at `store`; no value when the store is gone.
 std::optional<std::string> siteOf(const FileManager& files, const std::string& store) {
   std::optional<std::string> identity = files.textOfFile(join(store, kIdentity));
-  for (bool again : {true, false}) {
+  for (const bool again : {true, false}) {
     if (!identity && !files.hasItemAtPath(store)) {
       // Another worker was here since the stores were listed.
       return std::nullopt;
