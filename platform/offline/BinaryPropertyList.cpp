@@ -129,16 +129,16 @@ class BinaryList {
       return std::nullopt;
     }
     // All references to keys, then all to values.
-    const auto references = itemsOf(*top, 2 * referenceSize_);
-    const std::size_t half = references.value_or("").size() / 2;
+    const std::string_view references = itemsOf(*top, 2 * referenceSize_).value_or("");
+    const std::size_t half = references.size() / 2;
     std::optional<std::uint64_t> value;
     for (std::size_t at = 0; at < half; at += referenceSize_) {
-      const std::optional<bool> isKey = is(number(part(*references, at, referenceSize_)), key);
+      const std::optional<bool> isKey = is(number(part(references, at, referenceSize_)), key);
       if (!isKey) {
         return std::nullopt;
       }
       if (*isKey) {
-        value = number(part(*references, half + at, referenceSize_));
+        value = number(part(references, half + at, referenceSize_));
       }
     }
     const auto object = objectAt(value);
@@ -161,9 +161,12 @@ class BinaryList {
   /// Whether the object at `index` is the text `key`; no value when it is damaged.
   std::optional<bool> is(std::optional<std::uint64_t> index, std::string_view key) const {
     const auto object = objectAt(index);
-    const std::uint64_t unit = object ? unitOf(*object) : 0;
+    if (!object) {
+      return std::nullopt;
+    }
+    const std::uint64_t unit = unitOf(*object);
     const auto items = unit != 0 ? itemsOf(*object, unit) : std::optional<std::string_view>("");
-    if (!object || !items) {
+    if (!items) {
       return std::nullopt;
     }
     // The size first: a list may name one long text any number of times.
