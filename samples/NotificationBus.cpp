@@ -68,14 +68,14 @@ ReceivedNotification notificationIn(sd_bus_message* call) {
   sd_bus_message_read(call, "susss", &application, nullptr, nullptr, &summary, &body);
   received = {application, summary, body, {}, false};
   sd_bus_message_enter_container(call, 'a', "s");
-  while (sd_bus_message_read_basic(call, 's', &text) > 0) {
+  while (sd_bus_message_read_basic(call, 's', static_cast<void*>(&text)) > 0) {
     received.actions.emplace_back(text);
   }
   sd_bus_message_exit_container(call);
   sd_bus_message_enter_container(call, 'a', "{sv}");
   while (sd_bus_message_enter_container(call, 'e', "sv") > 0) {
     int isSet = 0;
-    sd_bus_message_read_basic(call, 's', &text);
+    sd_bus_message_read_basic(call, 's', static_cast<void*>(&text));
     if (std::string(text) == "suppress-sound" && sd_bus_message_read(call, "v", "b", &isSet) > 0) {
       received.isSilent = isSet != 0;
     } else {

@@ -60,7 +60,7 @@ void addProfileLists(const MacHome& home) {
   std::string profiles;
   for (const std::string& name : kChromiumProfileNames) {
     profiles.append(profiles.empty() ? "" : ",")
-        .append("\"" + name + "\":{\"name\":\"" + name + "\"}");
+        .append("\"" + name + R"(":{"name":")" + name + "\"}");
   }
   for (const char* root : {"Google/Chrome", "Chromium"}) {
     home.writeFile("Library/Application Support/" + std::string(root) + "/Local State",
