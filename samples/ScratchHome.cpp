@@ -69,7 +69,7 @@ Names ScratchHome::list(const std::string& path) const {
   for (const auto& entry : fs::directory_iterator(this->path(path), ignored)) {
     names.push_back(entry.path().filename().native());
   }
-  std::sort(names.begin(), names.end());
+  std::ranges::sort(names);
   return names;
 }
 

@@ -45,7 +45,7 @@ int showRun(const std::vector<std::string>& command) {
   fs::create_directory(volume);
   const MacHome home(volume, kSeed);
   const MacHome cleaned = home.copyTo(scratch.path() + "/cleaned");
-  NotificationBus bus;
+  const NotificationBus bus;
   const WorkerRun run = runWorker(command, cleaned.home(), bus.address());
 
   // What the run was to keep, and what it has done in truth.
