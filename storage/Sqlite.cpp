@@ -27,7 +27,7 @@ Columns columnsOf(const Sqlite::Statement& statement) {
   const int count = sqlite3_column_count(statement.get());
   for (int index = 0; index < count; ++index) {
     std::string name = Sqlite::columnName_columnIndex(statement, index);
-    const auto same = std::find(names.begin(), names.end(), name);
+    const auto same = std::ranges::find(names, name);
     if (same != names.end()) {
       indexes[static_cast<std::size_t>(same - names.begin())] = index;
       continue;
