@@ -21,7 +21,7 @@ class OfflineUserDefaults final : public UserDefaults {
   OfflineUserDefaults(std::vector<std::string> arguments, const FileManager& files)
       : arguments_(std::move(arguments)), files_(files) {}
 
-  void addSuiteNamed(const std::string& suite) override { names_.push_back(suite); }
+  void addSuiteNamed(const std::string& suite) override { unread_.push_back(suite); }
 
   bool boolForKey(const std::string& key) const override {
     readDomains();
@@ -39,23 +39,25 @@ class OfflineUserDefaults final : public UserDefaults {
 
  private:
   /// Reads what has not been read yet: at the first question all, afterwards only suites added
-  /// since. A file that cannot be read is an empty domain.
+  /// since. A file that cannot be read is no domain.
   void readDomains() const {
     if (!argumentDomain_) {
       argumentDomain_ = argumentDomain(arguments_);
     }
-    while (domains_.size() < names_.size()) {
-      const std::string path =
-          files_.expandTilde("~/Library/Preferences/" + names_[domains_.size()] + ".plist");
-      domains_.emplace_back(files_.contentsOfFile(path, kFileLimit).value_or(""));
+    for (const std::string& name : unread_) {
+      const std::string path = files_.expandTilde("~/Library/Preferences/" + name + ".plist");
+      if (std::optional<std::string> list = files_.contentsOfFile(path, kFileLimit)) {
+        domains_.push_back(*std::move(list));
+      }
     }
+    unread_.clear();
   }
 
   std::vector<std::string> arguments_;
   const FileManager& files_;
-  /// The domains that have files, in search order.
-  std::vector<std::string> names_ = {kOwnDomain};
-  /// Those that have been read.
+  /// The names of the domains whose files have not been read.
+  mutable std::vector<std::string> unread_ = {kOwnDomain};
+  /// The property lists that were read, in search order.
   mutable std::vector<std::string> domains_;
   mutable std::optional<std::map<std::string, bool>> argumentDomain_;
 };
