@@ -5,39 +5,20 @@
 namespace tasselby {
 
 std::string join(const std::string& base, std::string_view component) {
-  while (component.starts_with('/')) {
-    component.remove_prefix(1);
-  }
-  while (component.ends_with('/')) {
-    component.remove_suffix(1);
-  }
-  if (component.empty()) {
+  const std::size_t first = component.find_first_not_of('/');
+  if (first == std::string_view::npos) {
     return base;
   }
-  std::string path = base;
-  while (path.ends_with('/')) {
-    path.pop_back();
-  }
-  path += '/';
-  path += component;
-  return path;
+  const std::size_t behind = component.find_last_not_of('/') + 1;
+  return base.substr(0, base.find_last_not_of('/') + 1)
+      .append("/")
+      .append(component.substr(first, behind - first));
 }
 
 bool staysBelow(std::string_view component) {
-  if (component.find('\0') != std::string_view::npos) {
-    return false;
-  }
-  while (true) {
-    const std::size_t slash = component.find('/');
-    const std::string_view part = component.substr(0, slash);
-    if (part == ".." || part == ".") {
-      return false;
-    }
-    if (slash == std::string_view::npos) {
-      return true;
-    }
-    component.remove_prefix(slash + 1);
-  }
+  const std::string parts = std::string("/").append(component).append("/");
+  return parts.find("/./") == std::string::npos && parts.find("/../") == std::string::npos &&
+         parts.find('\0') == std::string::npos;
 }
 
 std::string_view withoutExtension(std::string_view name) {

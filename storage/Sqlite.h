@@ -63,7 +63,7 @@ class Sqlite {
   Sqlite() = default;
 
   /// Opens `path`; whether that succeeded is not told. busyRetryTimeout is 0.
-  explicit Sqlite(const std::string& path);
+  explicit Sqlite(const std::string& path) : busyRetryTimeout_(0) { open(path); }
 
   Sqlite(const Sqlite&) = delete;
   Sqlite& operator=(const Sqlite&) = delete;
@@ -93,7 +93,9 @@ class Sqlite {
   /// Answers no value when the statement cannot be prepared, and an empty list when it has no rows,
   /// as a DELETE has none. A failing step ends the list early; the rows read so far are answered.
   /// So does a result that is out of all proportion to the file.
-  std::optional<RowList> executeQuery(const std::string& sql);
+  std::optional<RowList> executeQuery(const std::string& sql) {
+    return executeQuery_arguments(sql, {});
+  }
 
   /// The same with parameters, each bound to the argument in its place. Fewer arguments than
   /// parameters are a breach of contract.
@@ -101,16 +103,16 @@ class Sqlite {
 
   /// Takes one step of `sql` and answers whether that completed it: false for a statement with
   /// rows.
-  bool executeNonQuery(const std::string& sql);
+  bool executeNonQuery(const std::string& sql) { return executeNonQuery_arguments(sql, {}); }
 
   /// The same with parameters, as in executeQuery_arguments.
   bool executeNonQuery_arguments(const std::string& sql, const Arguments& arguments);
 
   /// Each answers whether SQLite did so. beginTransaction() locks the file for itself at once.
-  bool commit();
-  bool rollback();
-  bool beginTransaction();
-  bool beginDeferredTransaction();
+  bool commit() { return executeNonQuery("COMMIT TRANSACTION;"); }
+  bool rollback() { return executeNonQuery("ROLLBACK TRANSACTION;"); }
+  bool beginTransaction() { return executeNonQuery("BEGIN EXCLUSIVE TRANSACTION;"); }
+  bool beginDeferredTransaction() { return executeNonQuery("BEGIN DEFERRED TRANSACTION;"); }
 
   /// Prepares the first statement of `sql` into `statement`, which is empty after a failure and for
   /// a text without a statement. Answers whether that succeeded.
