@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,7 @@ struct CookieInventory {
   std::int64_t trackingCount = 0;
   /// What has to go, each record once: Safari's cookies, or any other browser's rows.
   std::vector<HTTPCookie> cookies;
-  RowList rows;
+  std::set<Row> rows;
 };
 
 /// What `removeCookies_keepCookies` answers: the inventory's counts.

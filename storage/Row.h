@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <compare>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -13,7 +13,7 @@ namespace tasselby {
 
 /// SQL NULL: a value, and not the absence of a column.
 struct Null {
-  bool operator==(const Null&) const = default;
+  auto operator<=>(const Null&) const = default;
 };
 
 /// The bytes of a BLOB.
@@ -25,11 +25,11 @@ using Value = std::variant<Null, std::string, double, Bytes>;
 /// The names of a result's columns, each once, shared by all its rows.
 using ColumnNames = std::shared_ptr<const std::vector<std::string>>;
 
-/// One result row: values by column name. Two rows are equal when they have the same columns, in
-/// whatever order, with equal values.
+/// One result row: values by column name. Two rows are equal when they have the same columns with
+/// equal values.
 class Row {
  public:
-  /// `values` stand in the order of `names`, one for each.
+  /// `names` are sorted, and `values` stand in their order, one for each.
   Row(ColumnNames names, std::vector<Value> values)
       : names_(std::move(names)), values_(std::move(values)) {}
 
@@ -39,14 +39,12 @@ class Row {
   /// The text under `column`; null when there is no such column or its value is not text.
   const std::string* text(std::string_view column) const;
 
-  /// All columns, and their values in the same order.
-  const std::vector<std::string>& names() const { return *names_; }
+  /// The values of all columns, in the order of their names.
   const std::vector<Value>& values() const { return values_; }
 
+  /// Compares names and values, by the names first.
   bool operator==(const Row& other) const;
-
-  /// Equal rows have equal hashes.
-  std::size_t hash() const;
+  bool operator<(const Row& other) const;
 
  private:
   ColumnNames names_;

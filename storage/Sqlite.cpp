@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cassert>
+#include <map>
 #include <random>
+#include <ranges>
 #include <sqlite3.h>
 #include <thread>
 #include <utility>
@@ -15,27 +17,15 @@ namespace {
 
 constexpr std::chrono::microseconds kBusyPause(20);
 
-/// The columns of a statement's result: each name once, and where its value stands.
-struct Columns {
-  ColumnNames names;
-  std::vector<int> indexes;
-};
+/// Where in a statement's result the value of each name stands.
+using Columns = std::map<std::string, int>;
 
 Columns columnsOf(const Sqlite::Statement& statement) {
-  std::vector<std::string> names;
-  std::vector<int> indexes;
-  const int count = sqlite3_column_count(statement.get());
-  for (int index = 0; index < count; ++index) {
-    std::string name = Sqlite::columnName_columnIndex(statement, index);
-    const auto same = std::ranges::find(names, name);
-    if (same != names.end()) {
-      indexes[static_cast<std::size_t>(same - names.begin())] = index;
-      continue;
-    }
-    names.push_back(std::move(name));
-    indexes.push_back(index);
+  Columns columns;
+  for (int index = 0; index < sqlite3_column_count(statement.get()); ++index) {
+    columns[Sqlite::columnName_columnIndex(statement, index)] = index;
   }
-  return {std::make_shared<const std::vector<std::string>>(std::move(names)), std::move(indexes)};
+  return columns;
 }
 
 /// The bytes that `value` holds beside itself.
@@ -47,19 +37,18 @@ std::size_t heapOf(const Value& value) {
   return bytes == nullptr ? 0 : bytes->size();
 }
 
-/// The ready row; no value once the result weighs more than allowed.
-std::optional<Row> rowOf(const Sqlite::Statement& statement, const Columns& columns,
-                         Allowance& allowance) {
-  const std::size_t count = columns.indexes.size();
+/// The values of the ready row; no value once the result weighs more than allowed.
+std::optional<std::vector<Value>> valuesOf(const Sqlite::Statement& statement,
+                                           const Columns& columns, Allowance& allowance) {
   std::vector<Value> values;
-  values.reserve(count);
-  for (const int index : columns.indexes) {
+  values.reserve(columns.size());
+  for (const auto& [name, index] : columns) {
     values.push_back(Sqlite::columnData_columnIndex(statement, index));
     if (!allowance.take(sizeof(Value) + heapOf(values.back()))) {
       return std::nullopt;
     }
   }
-  return Row(columns.names, std::move(values));
+  return values;
 }
 
 bool isComplete(int result) {
@@ -70,10 +59,6 @@ bool isComplete(int result) {
 
 void Sqlite::Finalize::operator()(sqlite3_stmt* statement) const {
   sqlite3_finalize(statement);
-}
-
-Sqlite::Sqlite(const std::string& path) : busyRetryTimeout_(0) {
-  open(path);
 }
 
 bool Sqlite::open(const std::string& path) {
@@ -114,10 +99,6 @@ std::string Sqlite::errorMessage() const {
   return sqlite3_errmsg(db_);
 }
 
-std::optional<RowList> Sqlite::executeQuery(const std::string& sql) {
-  return executeQuery_arguments(sql, {});
-}
-
 std::optional<RowList> Sqlite::executeQuery_arguments(const std::string& sql,
                                                       const Arguments& arguments) {
   Statement statement;
@@ -127,22 +108,21 @@ std::optional<RowList> Sqlite::executeQuery_arguments(const std::string& sql,
   }
   RowList rows;
   Columns columns;
+  ColumnNames names;
   while (step(statement, allowance) == SQLITE_ROW) {
     // Not earlier: the first step prepares anew should the schema have changed meanwhile.
-    if (columns.names == nullptr) {
+    if (names == nullptr) {
       columns = columnsOf(statement);
+      const auto keys = std::views::keys(columns);
+      names = std::make_shared<const std::vector<std::string>>(keys.begin(), keys.end());
     }
-    std::optional<Row> row = rowOf(statement, columns, allowance);
-    if (!row) {
+    std::optional<std::vector<Value>> values = valuesOf(statement, columns, allowance);
+    if (!values) {
       break;
     }
-    rows.push_back(*std::move(row));
+    rows.emplace_back(names, *std::move(values));
   }
   return rows;
-}
-
-bool Sqlite::executeNonQuery(const std::string& sql) {
-  return executeNonQuery_arguments(sql, {});
 }
 
 bool Sqlite::executeNonQuery_arguments(const std::string& sql, const Arguments& arguments) {
@@ -150,22 +130,6 @@ bool Sqlite::executeNonQuery_arguments(const std::string& sql, const Arguments& 
   Allowance allowance(bounded(), sql.c_str());
   return prepareAndBind(sql, arguments, statement, allowance) &&
          isComplete(step(statement, allowance));
-}
-
-bool Sqlite::commit() {
-  return executeNonQuery("COMMIT TRANSACTION;");
-}
-
-bool Sqlite::rollback() {
-  return executeNonQuery("ROLLBACK TRANSACTION;");
-}
-
-bool Sqlite::beginTransaction() {
-  return executeNonQuery("BEGIN EXCLUSIVE TRANSACTION;");
-}
-
-bool Sqlite::beginDeferredTransaction() {
-  return executeNonQuery("BEGIN DEFERRED TRANSACTION;");
 }
 
 bool Sqlite::prepareSql_inStatament(const std::string& sql, Statement& statement) {

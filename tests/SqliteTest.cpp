@@ -28,8 +28,8 @@ TEST_F(SqliteTest, AnswersValuesByTheirStorageClass) {
   const auto rows = sqlite.executeQuery(
       "SELECT 42 AS i, 1.5 AS f, 'a' || char(0) || 'b' AS t, '' AS e, x'00ff' AS b, x'' AS eb, "
       "NULL AS n, 1 AS twice, 2 AS twice; SELECT 7");
-  const Names names = {"i", "f", "t", "e", "b", "eb", "n", "twice"};
-  const std::vector<Value> values = {"42", 1.5, "a", "", Bytes{0, 255}, Bytes(), Null(), "2"};
+  const Names names = {"b", "e", "eb", "f", "i", "n", "t", "twice"};
+  const std::vector<Value> values = {Bytes{0, 255}, "", Bytes(), 1.5, "42", Null(), "a", "2"};
   EXPECT_EQ(rows.value().front(), Row(std::make_shared<const Names>(names), values));
   const auto rowOf = [this](const std::string& sql) {
     return sqlite.executeQuery(sql).value().front();

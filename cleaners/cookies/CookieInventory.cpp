@@ -1,11 +1,9 @@
 // Which cookies of a browser have to go. Nothing is changed here.
 
 #include <algorithm>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -42,10 +40,7 @@ class Inventory {
       const std::string* name = row.text(kCookieNameColumn);
       // A name that is no text begins with no entry of the catalogue, as the empty one.
       if (host != nullptr && hasToGo(*host, name != nullptr ? std::string_view(*name) : "")) {
-        result.rows.push_back(std::move(row));
-        if (!places_.insert(result.rows.size() - 1).second) {
-          result.rows.pop_back();
-        }
+        result.rows.insert(std::move(row));
       }
     }
   }
@@ -72,13 +67,6 @@ class Inventory {
 
   const KeepList& keepList_;
   std::vector<std::string> catalogue_ = WorkerAppDelegate::defaultTrackingCookies();
-  /// The places of the rows so far, found by what is there.
-  std::unordered_set<std::size_t, std::function<std::size_t(std::size_t)>,
-                     std::function<bool(std::size_t, std::size_t)>>
-      places_{0, [this](std::size_t place) { return result.rows[place].hash(); },
-              [this](std::size_t one, std::size_t other) {
-                return result.rows[one] == result.rows[other];
-              }};
 };
 
 }  // namespace

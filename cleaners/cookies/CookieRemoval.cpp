@@ -1,6 +1,7 @@
 // Deletes the cookies that the inventory found. The counts are the inventory's own, whatever comes
 // of the deletions.
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,8 @@ void deleteRow(Sqlite& database, const CookieStore& store, const Row& row) {
 ///
 /// Deliberate: from every profile's database, since a row does not remember its own. One of
 /// another profile with the same host and number goes too.
-void deleteMozillaRows(const FileManager& files, const std::string& path, const RowList& rows) {
+void deleteMozillaRows(const FileManager& files, const std::string& path,
+                       const std::set<Row>& rows) {
   Sqlite database;
   if (!openIfThere(files, database, path)) {
     return;
@@ -40,7 +42,8 @@ void deleteMozillaRows(const FileManager& files, const std::string& path, const 
 
 /// Deliberate: every row gets a connection of its own. A lock that another program holds for a
 /// while costs only the rows tried in that while.
-void deleteChromiumRows(const FileManager& files, const std::string& path, const RowList& rows) {
+void deleteChromiumRows(const FileManager& files, const std::string& path,
+                        const std::set<Row>& rows) {
   // A list of profiles may be long, and most of it stale: each of those costs one look.
   if (!files.fileExistsAtPath(path)) {
     return;
