@@ -51,7 +51,7 @@ std::optional<std::string> WorkerExtras::siteWithDomainName(
   const std::string_view lastLabel = site.substr(startOfLast(1, site));
   // Deliberate: an address, a name with a dot at its end and a single label are left whole: the
   // last label of each does not tell how many make a site.
-  if (lastLabel.size() != site.size() && !trimDecimalDigits(lastLabel).empty()) {
+  if (lastLabel.size() != site.size() && !isAllDecimalDigits(lastLabel)) {
     site.remove_prefix(startOfLast(labelsKept(lastLabel), site));
   }
   return std::string(site);

@@ -1,12 +1,10 @@
 #include "platform/FileManager.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
-#include <memory>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -17,28 +15,23 @@
 #include "platform/Text.h"
 
 namespace tasselby {
-namespace {
+namespace fs = std::filesystem;
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using Folder = std::unique_ptr<DIR, CloseFolder>;
+namespace {
 
 // Below a file there is never anything.
 constexpr const char* kNowhere = "/dev/null";
 
-bool hasNul(const std::string& path) {
-  return path.find('\0') != std::string::npos;
+/// `path` for a call of the system; what names nothing where a NUL would cut it off.
+const char* named(const std::string& path) {
+  return path.find('\0') == std::string::npos ? path.c_str() : "";
 }
 
 /// The type bits of what is at `path`; 0 when nothing is.
 mode_t typeAt(const std::string& path, bool followLinks) {
   struct stat status{};
-  if (hasNul(path) ||
-      ::fstatat(AT_FDCWD, path.c_str(), &status, followLinks ? 0 : AT_SYMLINK_NOFOLLOW) != 0) {
-    return 0;
-  }
-  return status.st_mode & S_IFMT;
+  const int result = followLinks ? ::stat(named(path), &status) : ::lstat(named(path), &status);
+  return result == 0 ? status.st_mode & S_IFMT : 0;
 }
 
 std::optional<std::string> readAll(int descriptor, std::size_t limit) {
@@ -49,21 +42,13 @@ std::optional<std::string> readAll(int descriptor, std::size_t limit) {
   }
   std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
   std::size_t filled = 0;
-  while (filled < bytes.size()) {
-    const ssize_t count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
-    if (count < 0 && errno == EINTR) {
-      continue;
-    }
-    if (count < 0) {
-      return std::nullopt;
-    }
-    if (count == 0) {
-      break;
-    }
-    filled += static_cast<std::size_t>(count);
+  ssize_t count = 1;
+  while (count > 0 && filled < bytes.size()) {
+    count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
+    filled += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
   }
   bytes.resize(filled);
-  return bytes;
+  return count < 0 ? std::nullopt : std::optional(std::move(bytes));
 }
 
 }  // namespace
@@ -101,17 +86,12 @@ bool FileManager::hasFolderType(const std::string& path) const {
 
 std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::string& path) const {
   std::vector<std::string> names;
-  const Folder folder(hasNul(path) ? nullptr : ::opendir(path.c_str()));
-  if (!folder) {
-    return names;
+  std::error_code error;
+  const fs::directory_iterator end;
+  for (fs::directory_iterator item(named(path), error); item != end; item.increment(error)) {
+    names.push_back(item->path().filename().native());
   }
-  for (errno = 0; const dirent* entry = ::readdir(folder.get()); errno = 0) {
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") {
-      names.emplace_back(name);
-    }
-  }
-  if (errno != 0) {
+  if (error) {
     names.clear();
   }
   return names;
@@ -119,17 +99,13 @@ std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::strin
 
 bool FileManager::enumerateDeep(const std::string& path,
                                 const std::function<bool(const std::string&)>& visit) const {
-  if (hasNul(path)) {
-    return true;
-  }
   std::error_code error;
-  std::filesystem::recursive_directory_iterator item(path, error);
-  const std::filesystem::recursive_directory_iterator end;
-  while (!error && item != end) {
+  const fs::recursive_directory_iterator end;
+  for (fs::recursive_directory_iterator item(named(path), error); !error && item != end;
+       item.increment(error)) {
     if (!visit(item->path().native())) {
       return false;
     }
-    item.increment(error);
   }
   return true;
 }
@@ -137,8 +113,7 @@ bool FileManager::enumerateDeep(const std::string& path,
 std::optional<std::string> FileManager::contentsOfFile(const std::string& path,
                                                        std::size_t limit) const {
   // Without O_NONBLOCK, opening a FIFO waits for a writer.
-  const int descriptor =
-      hasNul(path) ? -1 : ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+  const int descriptor = ::open(named(path), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
   if (descriptor < 0) {
     return std::nullopt;
   }
@@ -157,28 +132,23 @@ bool FileManager::hasItemAtPath(const std::string& path) const {
 }
 
 int FileManager::openForOverwriting(const std::string& path) const {
-  return hasNul(path) ? -1 : ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  return ::open(named(path), O_RDWR | O_CLOEXEC);
 }
 
 void FileManager::removeItemAtPath(const std::string& path) const {
   if (path.ends_with('/')) {
     return removeItemAtPath(path.substr(0, path.size() - 1));
   }
-  if (hasNul(path)) {
-    return;
-  }
-  removeTree(path);
+  removeTree(named(path));
 }
 
 bool FileManager::emptyFolderAtPath(const std::string& path,
                                     const std::vector<std::string>& but) const {
-  return hasNul(path) || emptyFolder(path, but);
+  return emptyFolder(named(path), but);
 }
 
 void FileManager::setAsideItemAtPath(const std::string& path, const std::string& newPath) const {
-  if (!hasNul(path)) {
-    std::rename(path.c_str(), newPath.c_str());
-  }
+  std::rename(named(path), newPath.c_str());
 }
 
 }  // namespace tasselby

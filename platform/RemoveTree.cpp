@@ -28,7 +28,6 @@ struct Level {
   /// Its name in the folder before.
   std::string name;
   std::vector<std::string> entries;
-  std::size_t next = 0;
 };
 
 /// The folder `name` in the one behind `parent`; null when it is none, a link to one included.
@@ -45,26 +44,22 @@ Folder openFolder(int parent, const char* name) {
   return folder;
 }
 
-/// Whether unlink may be tried on what could be a folder. On Linux it fails on one; elsewhere a
-/// superuser's may tear the folder out of the tree with all that is in it.
-bool mayUnlink([[maybe_unused]] int parent, [[maybe_unused]] const char* name) {
-#ifdef __linux__
-  return true;
-#else
-  struct stat status{};
-  return ::geteuid() != 0 ||
-         (::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && !S_ISDIR(status.st_mode));
-#endif
-}
-
 /// Removes the entry unless it is a folder. Most are none, and asking first costs a fifth more.
 bool unlinked(int parent, const char* name) {
-  return mayUnlink(parent, name) && (::unlinkat(parent, name, 0) == 0 || errno == ENOENT);
+#ifndef __linux__
+  // A superuser's call may tear a folder out of the tree with all that is in it.
+  struct stat status{};
+  if (::geteuid() == 0 && ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+      S_ISDIR(status.st_mode)) {
+    return false;
+  }
+#endif
+  return ::unlinkat(parent, name, 0) == 0 || errno == ENOENT;
 }
 
 /// The folder's entries but those named in `but`.
 Level levelOf(Folder folder, std::string name, const std::vector<std::string>& but) {
-  Level level{std::move(folder), std::move(name), {}, 0};
+  Level level{std::move(folder), std::move(name), {}};
   while (const dirent* entry = ::readdir(level.folder.get())) {
     const std::string_view entryName = entry->d_name;
     if (entryName != "." && entryName != ".." && std::ranges::find(but, entryName) == but.end()) {
@@ -80,7 +75,7 @@ void empty(Level root) {
   levels.push_back(std::move(root));
   while (!levels.empty()) {
     Level& level = levels.back();
-    if (level.next == level.entries.size()) {
+    if (level.entries.empty()) {
       const std::string name = std::move(level.name);
       levels.pop_back();
       if (!levels.empty()) {
@@ -89,7 +84,8 @@ void empty(Level root) {
       continue;
     }
     const int descriptor = ::dirfd(level.folder.get());
-    std::string name = std::move(level.entries[level.next++]);
+    std::string name = std::move(level.entries.back());
+    level.entries.pop_back();
     if (unlinked(descriptor, name.c_str())) {
       continue;
     }

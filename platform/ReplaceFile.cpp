@@ -1,6 +1,5 @@
 #include "platform/ReplaceFile.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -15,11 +14,10 @@ constexpr mode_t kPermissionBits = 07777;
 bool writeAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count >= 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(count));
-    } else if (errno != EINTR) {
+    if (count < 0) {
       return false;
     }
+    bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
 }
@@ -30,14 +28,6 @@ bool takeOver(int descriptor, const struct stat& old) {
   [[maybe_unused]] const bool owned = ::fchown(descriptor, old.st_uid, old.st_gid) == 0 ||
                                       ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
   return ::fchmod(descriptor, old.st_mode & kPermissionBits) == 0;
-}
-
-bool flush(int descriptor) {
-  int result = ::fsync(descriptor);
-  while (result != 0 && errno == EINTR) {
-    result = ::fsync(descriptor);
-  }
-  return result == 0;
 }
 
 }  // namespace
@@ -54,7 +44,7 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
     return false;
   }
   const bool written =
-      writeAll(descriptor, bytes) && takeOver(descriptor, old) && flush(descriptor);
+      writeAll(descriptor, bytes) && takeOver(descriptor, old) && ::fsync(descriptor) == 0;
   ::close(descriptor);
   if (!written || std::rename(fresh.c_str(), path.c_str()) != 0) {
     ::unlink(fresh.c_str());

@@ -21,8 +21,11 @@ std::string lowerCase(std::string_view text);
 /// The number of 16-bit units of `text`.
 std::size_t utf16Length(std::string_view text);
 
-/// `text` less the Unicode decimal digits at both of its ends.
-std::string_view trimDecimalDigits(std::string_view text);
+/// Whether every character of `text` is a Unicode decimal digit.
+bool isAllDecimalDigits(std::string_view text);
+
+/// The text of `units`, 16-bit units of which two surrogates make a character.
+std::string textOfUnits(std::u32string_view units);
 
 /// `text` with its 16-bit units from the last to the first. Surrogates that come to stand as a pair
 /// become its character.
