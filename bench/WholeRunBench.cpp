@@ -15,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint32_t kSeed = 1;
 constexpr int kScale = 100;
 constexpr const char* kSelect = "SELECT *";
 
@@ -42,7 +41,7 @@ void removeByList(const MacHome& home, const std::string& browser) {
 
 Comparison wholeRun(const std::string& worker, const std::string& browser, double bar) {
   const Scratch scratch;
-  const MacHome original(scratch.path("original"), kSeed, kScale);
+  const MacHome original(scratch.path("original"), kScale);
   std::optional<MacHome> home;
   const double ratio = leastRatio(
       2,

@@ -8,22 +8,24 @@
 
 namespace tasselby {
 
-/// Browser names.
-using Browsers = std::vector<std::string>;
+/// Every name that a run can have been started with.
+inline const std::vector<std::string> kEveryBrowser = {
+    "Safari", "WebKit", "Google Chrome", "Chromium", "Camino", "Firefox", "Opera"};
 
 /// One thing in a sample home: a file, a folder, a link, a cookie, a row of a database.
 struct SampleItem {
-  /// What it belongs to, in the words of a report: "Firefox cookies".
-  std::string store;
+  /// A letter for each browser whose run removes it, in the order above SWGCKFO, * for all of them
+  /// and - for none. Behind them k for a kept site's, which goes only where every site goes, a for
+  /// a file that is removed by itself, not with a folder, and s for a socket, which cannot be
+  /// overwritten, or w for what stays with one.
+  std::string fate;
   /// Where it is, relative to the volume.
   std::string path;
   /// For a row, the query that answers it; for a Safari cookie, its domain and name with a space
   /// between; empty for an item that is a file itself.
   std::string key;
-  /// The browsers whose run removes it.
-  Browsers goneFor;
-  /// Whether it is a kept site's: it goes only where every site goes.
-  bool kept = false;
+
+  bool is(char letter) const { return fate.find(letter) != fate.npos; }
 
   /// Whether it goes in a run for `browser`, or in one that keeps no site.
   bool goesFor(const std::string& browser, bool removeAll = false) const;
@@ -37,12 +39,12 @@ struct SampleSite {
 };
 
 /// A Mac home folder `Users/anna` on a volume of its own, in the real formats: everything the
-/// worker touches, and neighbours that it must leave alone. The same seed makes the same home.
+/// worker touches, and neighbours that it must leave alone. It is the same every time.
 class MacHome {
  public:
   /// Builds the home below the empty folder `volume`. With `scale` above 1 there are that many
-  /// times as many sites without a password.
-  MacHome(std::filesystem::path volume, std::uint32_t seed, int scale = 1);
+  /// times as many sites without a password, with 0 there are passwords and preferences alone.
+  explicit MacHome(std::filesystem::path volume, int scale = 1);
 
   /// Copies the whole volume as it is now to the empty or missing folder `volume`.
   MacHome copyTo(const std::filesystem::path& volume) const;
@@ -62,28 +64,20 @@ class MacHome {
   /// rows. No value when it is not there.
   std::vector<std::optional<std::string>> contents() const;
 
-  // For the stores that make up a home. Paths below are relative to the home folder, but for those
-  // that begin with "/", which are on the volume.
+  /// Makes what `lines` say, an item each: its fate, its path below the folder that the last line
+  /// "=" named, in the home or, with "/" first, on the volume. Behind " = " stand a file's contents
+  /// (without, it has some of its own), behind " > " what a link names, behind ": " a table and
+  /// rows of a database. A line "+" makes a table and is no item. Alternatives stand in braces; @
+  /// is each site in turn, with k in the fate only where it is kept, $ each kept site.
+  MacHome& add(const std::string& lines);
 
-  /// Writes a file, with contents of its own if none are given, and adds it as an item.
-  void addFile(const std::string& store, const std::string& path, const Browsers& goneFor,
-               bool kept = false, std::string contents = "");
-
-  /// Adds something already written, by its path, and by its key if it is not the file itself.
-  void addItem(const std::string& store, const std::string& path, const std::string& key,
-               const Browsers& goneFor, bool kept = false);
-
-  /// Writes a file that is no item of a report: an index, a list of profiles.
+  /// Writes a file that is no item: an index, a list of profiles.
   void writeFile(const std::string& path, const std::string& contents) const;
 
-  /// Runs the SQL texts on the database at `path`, made when missing, as one transaction.
-  void writeDatabase(const std::string& path, const std::vector<std::string>& sql) const;
-
  private:
-  std::string onVolume(const std::string& path) const;
+  class Lines;
 
   std::filesystem::path volume_;
-  std::uint32_t random_;
   std::vector<SampleSite> sites_;
   std::vector<SampleItem> items_;
 };

@@ -35,36 +35,19 @@ void addPasswords(const MacHome& home) {
       {.server = "localhost"},
       {.server = ""},
   };
-  std::vector<std::string> logins = {
-      "CREATE TABLE moz_logins (id INTEGER PRIMARY KEY, hostname TEXT NOT NULL, httpRealm TEXT, "
-      "formSubmitURL TEXT, usernameField TEXT NOT NULL, passwordField TEXT NOT NULL, "
-      "encryptedUsername TEXT NOT NULL, encryptedPassword TEXT NOT NULL, guid TEXT, encType "
-      "INTEGER);"};
   for (const SampleSite& site : home.sites()) {
     if (site.kept) {
       passwords.push_back({.server = site.host});
-      logins.push_back(
-          "INSERT INTO moz_logins (hostname, usernameField, passwordField, "
-          "encryptedUsername, encryptedPassword) VALUES (" +
-          sqlText("https://" + site.host) + ", '', '', 'MDoE', 'MDoE');");
     }
   }
   home.writeFile("Library/Keychains/login.keychain-db", keychainFile(passwords));
-  for (const std::string& profile : kFirefoxProfileNames) {
-    home.writeDatabase(
-        "Library/Application Support/Firefox/Profiles/" + profile + "/signons.sqlite", logins);
-  }
 }
 
 void addProfileLists(const MacHome& home) {
-  std::string profiles;
-  for (const std::string& name : kChromiumProfileNames) {
-    profiles.append(profiles.empty() ? "" : ",")
-        .append("\"" + name + R"(":{"name":")" + name + "\"}");
-  }
   for (const char* root : {"Google/Chrome", "Chromium"}) {
-    home.writeFile("Library/Application Support/" + std::string(root) + "/Local State",
-                   R"({"profile":{"info_cache":{)" + profiles + "}}}");
+    home.writeFile(
+        "Library/Application Support/" + std::string(root) + "/Local State",
+        R"({"profile":{"info_cache":{"Default":{"name":"a"},"Profile 1":{"name":"b"}}}})");
   }
 }
 

@@ -9,20 +9,13 @@ namespace tasselby {
 void addPreferences(const MacHome& home);
 void addPasswords(const MacHome& home);
 void addProfileLists(const MacHome& home);
-void addCookies(MacHome& home);
-void addWebStorage(MacHome& home);
-void addPlugIns(MacHome& home);
-void addCaches(MacHome& home);
+void addStores(MacHome& home);
 
-/// The profile folders of the sample home's browsers that have profiles.
-inline const std::vector<std::string> kChromiumProfileNames = {"Default", "Profile 1"};
-inline const std::vector<std::string> kFirefoxProfileNames = {"k3x9q2ab.default", "z81m0cde.work"};
+/// Lines that put cookies into the store of every browser. In `cookies`, L stands for the browser's
+/// letter, and each line is a fate, "STORE", host and name as SQL, and "REST".
+std::string cookieLines(const std::string& cookies);
 
-/// Every name that a run can have been started with.
-inline const Browsers kEveryBrowser = {"Safari", "WebKit",  "Google Chrome", "Chromium",
-                                       "Camino", "Firefox", "Opera"};
-
-/// `text` as an SQL literal.
-std::string sqlText(const std::string& text);
+/// `text` with `with` wherever `part` was.
+std::string replaced(std::string text, const std::string& part, const std::string& with);
 
 }  // namespace tasselby

@@ -20,6 +20,19 @@ std::string bytesOf(const fs::path& path) {
 
 }  // namespace
 
+void makeSocket(const std::string& path, const std::string& folder) {
+  // An address has room for some hundred bytes: bound at a short path and moved from there.
+  const std::string bound = folder + "/socket";
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  bound.copy(address.sun_path, sizeof address.sun_path - 1);
+  const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    fs::rename(bound, path);
+  }
+  ::close(descriptor);
+}
+
 ScratchHome::ScratchHome() {
   fs::create_directories(home());
 }
@@ -44,18 +57,8 @@ ScratchHome& ScratchHome::link(const std::string& path, const std::string& targe
 }
 
 ScratchHome& ScratchHome::socket(const std::string& path) {
-  const fs::path full = this->path(path);
-  fs::create_directories(full.parent_path());
-  // An address has room for some hundred bytes: bound at a short path and moved from there.
-  const std::string bound = (root() / "socket").native();
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  bound.copy(address.sun_path, sizeof address.sun_path - 1);
-  const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
-    fs::rename(bound, full);
-  }
-  ::close(descriptor);
+  fs::create_directories(fs::path(this->path(path)).parent_path());
+  makeSocket(this->path(path), volume());
   return *this;
 }
 
@@ -77,10 +80,10 @@ std::string ScratchHome::contents(const std::string& path) const {
   return bytesOf(this->path(path));
 }
 
-std::map<std::string, std::string> ScratchHome::snapshot() const {
+std::map<std::string, std::string> snapshotOf(const fs::path& folder) {
   std::map<std::string, std::string> entries;
-  for (const auto& entry : fs::recursive_directory_iterator(root())) {
-    std::string& contents = entries[entry.path().lexically_relative(root()).native()];
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    std::string& contents = entries[entry.path().lexically_relative(folder).native()];
     if (entry.is_symlink()) {
       contents = fs::read_symlink(entry.path()).native();
     } else {

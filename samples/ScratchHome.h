@@ -12,6 +12,13 @@ namespace tasselby {
 /// File names, or other texts, in an order that counts.
 using Names = std::vector<std::string>;
 
+/// Every entry below `folder` with its contents: "/" for a folder, the target of a link.
+std::map<std::string, std::string> snapshotOf(const std::filesystem::path& folder);
+
+/// Makes a Unix socket, by way of `folder`, whose path is short. Nobody can open one for writing,
+/// the superuser included.
+void makeSocket(const std::string& path, const std::string& folder);
+
 /// A home folder `.../Users/anna` on a volume of its own in a temporary folder, removed at the end.
 /// Paths are relative to the home folder.
 class ScratchHome {
@@ -22,8 +29,6 @@ class ScratchHome {
   ScratchHome& file(const std::string& path, const std::string& contents = "contents");
   ScratchHome& folder(const std::string& path);
   ScratchHome& link(const std::string& path, const std::string& target);
-
-  /// A Unix socket: nobody can open one for writing, the superuser included.
   ScratchHome& socket(const std::string& path);
 
   /// The full path of the home folder, of `path` in it, and of the volume's folder.
@@ -40,8 +45,8 @@ class ScratchHome {
   /// The bytes of the file at `path`.
   std::string contents(const std::string& path) const;
 
-  /// Every entry of the volume with its contents: "/" for a folder, the target of a link.
-  std::map<std::string, std::string> snapshot() const;
+  /// What there is on the volume.
+  std::map<std::string, std::string> snapshot() const { return snapshotOf(root()); }
 
  private:
   const std::filesystem::path& root() const { return folder_.path(); }

@@ -19,8 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uint32_t kSeed = 1;
-
 /// What a run made of `before`, a volume's folder, in its copy `after`.
 Outcome outcomeOf(const std::string& before, const std::string& after) {
   Outcome outcome;
@@ -43,7 +41,7 @@ int showRun(const std::vector<std::string>& command) {
   const ScratchFolder scratch;
   const std::string volume = scratch.path() + "/volume";
   fs::create_directory(volume);
-  const MacHome home(volume, kSeed);
+  const MacHome home(volume);
   const MacHome cleaned = home.copyTo(scratch.path() + "/cleaned");
   const NotificationBus bus;
   const WorkerRun run = runWorker(command, cleaned.home(), bus.address());

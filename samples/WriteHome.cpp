@@ -11,7 +11,7 @@ int main(int argc, char* argv[]) {
     std::fprintf(stderr, "usage: sample-home FOLDER\n");
     return 2;
   }
-  const tasselby::MacHome home(argv[1], 1);
+  const tasselby::MacHome home(argv[1]);
   std::printf("%s\n", home.home().c_str());
   return 0;
 }

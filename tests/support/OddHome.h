@@ -14,10 +14,9 @@ struct OddHome {
   ScratchHome scratch;
   MacHome home;
   std::string workingFolder() const { return home.volume(); }
-  /// Items by their path, and a row's key behind a blank: files that are removed by themselves, not
-  /// with a folder, and so overwritten first where that is wanted; and what cannot be overwritten,
-  /// or stays with what cannot, and so stays where that is wanted.
-  std::set<std::string> overwritten, stubborn;
+
+  /// What a run for `browser` reports.
+  std::string report(const std::string& browser, bool removeAll) const;
 };
 
 }  // namespace tasselby

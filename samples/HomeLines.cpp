@@ -1,0 +1,182 @@
+// What the lines of a home mean; see MacHome::add.
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "samples/BinaryCookieWriter.h"
+#include "samples/MacHome.h"
+#include "samples/PlainSqlite.h"
+#include "samples/SampleStores.h"
+#include "samples/ScratchHome.h"
+
+namespace tasselby {
+namespace fs = std::filesystem;
+
+std::string replaced(std::string text, const std::string& part, const std::string& with) {
+  for (std::size_t at = 0; (at = text.find(part, at)) != text.npos; at += with.size()) {
+    text.replace(at, part.size(), with);
+  }
+  return text;
+}
+
+namespace {
+
+Names split(const std::string& text, char at) {
+  Names parts;
+  std::istringstream in(text);
+  for (std::string part; std::getline(in, part, at);) {
+    parts.push_back(part);
+  }
+  return parts;
+}
+
+/// What stands behind `mark` in `text`, and goes from it with the mark; no value without one.
+std::optional<std::string> cut(std::string& text, const std::string& mark) {
+  const std::size_t at = text.find(mark);
+  std::optional<std::string> rest;
+  if (at != text.npos) {
+    rest = text.substr(at + mark.size());
+    text.resize(at);
+  }
+  return rest;
+}
+
+std::string someContents(std::uint32_t seed) {
+  std::minstd_rand random(seed);
+  std::string contents(200 + random() % 3000, '\0');
+  for (char& byte : contents) {
+    byte = static_cast<char>(random());
+  }
+  return contents;
+}
+
+}  // namespace
+
+/// Lines on their way into a home.
+class MacHome::Lines {
+ public:
+  explicit Lines(MacHome& home) : home_(home) {}
+
+  /// Makes the items of a line, one for each alternative and site.
+  void addEach(const std::string& fate, const std::string& text) {
+    const std::size_t brace = text.find('{');
+    const std::size_t mark = text.find_first_of("@$");
+    if (brace != text.npos) {
+      const std::size_t end = text.find('}', brace);
+      for (const std::string& part : split(text.substr(brace + 1, end - brace - 1) + ",", ',')) {
+        addEach(fate, text.substr(0, brace) + part + text.substr(end + 1));
+      }
+    } else if (mark != text.npos) {
+      for (const auto& [host, kept] : home_.sites_) {
+        const std::string reversed(host.rbegin(), host.rend());
+        if (kept || text[mark] == '@') {
+          add(kept ? fate : replaced(fate, "k", ""),
+              replaced(replaced(replaced(text, "@reversed", reversed), "@", host), "$", host));
+        }
+      }
+    } else {
+      add(fate, text);
+    }
+  }
+
+  /// Ends the transactions, and writes the cookie files anew that have got cookies.
+  void finish() {
+    for (const auto& [path, connection] : databases_) {
+      plainly(connection, "COMMIT;");
+    }
+    for (const std::string& path : cookieFiles_) {
+      std::vector<SampleCookie> cookies;
+      for (const SampleItem& item : home_.items_) {
+        if (item.path == path) {
+          const std::size_t blank = item.key.find(' ');
+          cookies.push_back(
+              {.domain = item.key.substr(0, blank), .name = item.key.substr(blank + 1)});
+        }
+      }
+      home_.writeFile("/" + path, binaryCookieFile(cookies, StringOrder::kDomainFirst, "a tail"));
+    }
+  }
+
+ private:
+  void add(const std::string& fate, std::string path) {
+    const auto target = cut(path, " > ");
+    auto table = cut(path, ": ");
+    const auto contents = cut(path, " =");
+    path = path.starts_with("/") ? path.substr(1) : "Users/anna/" + path;
+    path = fs::path(path).lexically_normal().native();
+    const fs::path full = home_.path(path);
+    fs::create_directories(full.parent_path());
+    if (table) {
+      rows(fate, path, *table);
+      return;
+    }
+    home_.items_.push_back({fate, path, ""});
+    if (target) {
+      fs::create_symlink(*target, full);
+    } else if (home_.items_.back().is('s')) {
+      makeSocket(full.native(), home_.volume());
+    } else if (contents) {
+      home_.writeFile("/" + path,
+                      replaced(contents->substr(contents->empty() ? 0 : 1), "\\n", "\n"));
+    } else {
+      home_.writeFile("/" + path, someContents(static_cast<std::uint32_t>(home_.items_.size())));
+    }
+  }
+
+  void rows(const std::string& fate, const std::string& path, std::string table) {
+    const auto rows = cut(table, ": ");
+    if (path.ends_with(".binarycookies")) {
+      std::string key = plainly(":memory:", "SELECT " + table).front();
+      key[key.find('|')] = ' ';
+      home_.items_.push_back({fate, path, key});
+      cookieFiles_.insert(path);
+      return;
+    }
+    Connection& database = databases_.try_emplace(path, nullptr, &sqlite3_close).first->second;
+    const bool isNew = database == nullptr;
+    if (isNew) {
+      database = plainConnection(home_.path(path));
+    }
+    if (!rows) {
+      plainly(database, isNew ? "" : "COMMIT;");
+      plainly(database, (table.starts_with("PRAGMA") ? "" : "CREATE TABLE ") + table);
+    }
+    if (isNew || !rows) {
+      plainly(database, "BEGIN;");
+    }
+    for (const std::string& values : split(replaced(rows.value_or(""), "; ", "\n"), '\n')) {
+      plainly(database, "INSERT INTO " + table + " VALUES (" + values + ");");
+      const auto number = std::to_string(sqlite3_last_insert_rowid(database.get()));
+      home_.items_.push_back(
+          {fate, path,
+           "SELECT * FROM " + table.substr(0, table.find(' ')) + " WHERE rowid = " + number});
+    }
+  }
+
+  MacHome& home_;
+  std::map<std::string, Connection> databases_;
+  std::set<std::string> cookieFiles_;
+};
+
+MacHome& MacHome::add(const std::string& lines) {
+  Lines adding(*this);
+  std::string folder;
+  // A line that begins with blanks goes on the one before.
+  for (const std::string& line : split(replaced(lines, "\n  ", " "), '\n')) {
+    const std::string rest = line.substr(std::min(line.size(), line.find(' ') + 1));
+    if (line.starts_with("=")) {
+      folder = rest;
+    } else if (!line.empty()) {
+      adding.addEach(line.substr(0, line.find(' ')), folder + rest);
+    }
+  }
+  adding.finish();
+  return *this;
+}
+
+}  // namespace tasselby
