@@ -191,10 +191,8 @@ bool Sqlite::prepare(const std::string& sql, Statement& statement, Allowance& al
     return false;
   }
   sqlite3_stmt* prepared = nullptr;
-  const int result = whileBusy(allowance, [&] {
-    return isBounded_ ? prepareGuarded(db_, sql.c_str(), prepared)
-                      : sqlite3_prepare_v2(db_, sql.c_str(), -1, &prepared, nullptr);
-  });
+  const int result = whileBusy(
+      allowance, [&] { return sqlite3_prepare_v2(db_, sql.c_str(), -1, &prepared, nullptr); });
   statement.reset(prepared);
   return result == SQLITE_OK;
 }
