@@ -1,197 +1,259 @@
-// The keychain's file and the browsers' list of profiles, sound and damaged.
-#include <sys/stat.h>
-
+// The formats that are read, sound and damaged: passwords, cookies, profiles, preferences.
 #include "app/LocalState.h"
-#include "keep/WorkerExtras.h"
+#include "platform/BinaryCookies.h"
+#include "platform/offline/ArgumentDomain.h"
 #include "platform/offline/KeychainFile.h"
+#include "platform/offline/PropertyList.h"
+#include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
-#include "tests/support/WorkerTest.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 namespace {
 
-// Written by hand: an attribute table at 0x24 and a table of internet passwords at 0x168, which
-// have the attributes PrintName, srvr, atyp and port. Their records are at 0x18c and 0x1d8.
-const std::string kExample =
-    "6b796368000100000000001000000014000000000000021000000002000000100000015400000144000000020000"
-    "00040000002c0000013c00000000000000040000002c0000007c000000bc000000fc000000500000000000000001"
-    "0000000000000000000000000000003100000035000000390000003d000000000000004d80000001000000070000"
-    "0000000000095072696e744e616d6500000000000006000000400000000100000001000000000000000000000000"
-    "00000031000000350000003900000000000000000000003d80000001737276720000000200000006000000400000"
-    "00020000000100000000000000000000000000000031000000350000003900000000000000000000003d80000001"
-    "61747970000000020000000600000040000000030000000100000000000000000000000000000031000000350000"
-    "003900000000000000000000003d80000001706f727400000002000000020000000800000000000000bc80000001"
-    "0000000200000024000000b4000000000000000200000024000000700000004c0000000000000001000000000000"
-    "00060000000000000000000000310000004100000049aaaaaaaaaaaa00000000000a7777772e612e746573740000"
-    "00000004666f726d000001bb00000044000000010000000100000000000000000000000000000029000000310000"
-    "003d00000000000000014c00000000000006622e7465737400000000000464666c74000000080000000000000001";
+using namespace std::string_literals;
 
-/// Server and authentication type of each item, "-" for what it has not.
-Names itemsIn(const std::string& bytes) {
-  Names items;
-  // A copy of just the size, so that a read behind the end is caught.
-  const std::vector<char> exact(bytes.begin(), bytes.end());
-  KeychainFile file(std::string_view(exact.data(), exact.size()));
-  while (const auto item = file.next()) {
-    items.push_back(std::string(item->server.value_or("-")) + " " +
-                    std::string(item->authenticationType.value_or("-")));
+/// What is left of a sound file with other `bytes` at some places.
+struct Damage {
+  const char* label;
+  std::map<std::size_t, int> bytes;
+  std::string left;
+};
+
+void expectLeft(const std::string& sound, std::string (*read)(std::string_view),
+                const std::vector<Damage>& damages) {
+  for (const Damage& damage : damages) {
+    // Of just the size, so that a read behind the end is caught.
+    std::vector<char> damaged(sound.begin(), sound.end());
+    for (const auto& [place, byte] : damage.bytes) {
+      damaged.at(place) = static_cast<char>(byte);
+    }
+    EXPECT_EQ(read({damaged.data(), damaged.size()}), damage.left) << damage.label;
   }
-  return items;
+}
+
+std::string passwordsIn(std::string_view bytes) {
+  std::string all;
+  KeychainFile file(bytes);
+  while (const auto item = file.next()) {
+    for (const auto& text : {item->server, item->authenticationType, item->account}) {
+      all.append(text.value_or("-")).append(" ");
+    }
+  }
+  return all;
 }
 
 TEST(KeychainFile, PassesOverExactlyWhatIsDamaged) {
-  const Names all = {"www.a.test form", "b.test dflt"};
-  const Names noServer = {"- form", "b.test dflt"};
-  struct Case {
-    const char* label;
-    std::map<std::size_t, int> bytes;
-    Names items;
-  };
-  const std::vector<Case> cases = {
-      {"nothing", {}, all},
-      {"another version", {{0x07, 1}}, {}},
-      {"more tables than fit", {{0x1b, 0x83}}, {}},
-      {"a table that outgrows its section", {{0x16b, 0xbd}}, {}},
-      {"an attribute too many", {{0x2f, 5}}, {}},
-      {"an attribute without a format", {{0x14f, 0}}, {}},
-      {"an attribute that is there twice",
-       {{0x154, 's'}, {0x155, 'r'}, {0x156, 'v'}, {0x157, 'r'}},
-       {}},
-      {"a type that is a number", {{0x11f, 2}}, {}},
-      {"strings in place of blobs", {{0xdf, 0}, {0x11f, 0}}, all},
-      {"a record too many", {{0x173, 3}}, all},
-      {"a record that outgrows its table", {{0x1db, 0x4d}}, {"www.a.test form"}},
-      {"a record shorter than its words", {{0x18f, 36}, {0x1b3, 36}}, {}},
-      {"no value", {{0x1ab, 0}}, noServer},
-      {"a value outside of its record", {{0x1ab, 0x4d}}, noServer},
-      {"a length that outgrows its record", {{0x1bf, 0x19}}, noServer},
-      {"the first of 1024 values", {{0x1ab, 0x2c}, {0x1b8, 0}, {0x1b9, 0}, {0x1ba, 4}}, all},
-      {"more values", {{0x1ab, 0x2c}, {0x1b8, 0}, {0x1b9, 0}, {0x1ba, 4}, {0x1bb, 1}}, noServer},
-  };
-  for (const Case& damage : cases) {
-    std::string bytes(kExample.size() / 2, '\0');
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-      bytes[i] = static_cast<char>(std::stoi(kExample.substr(i * 2, 2), nullptr, 16));
-    }
-    for (const auto& [offset, byte] : damage.bytes) {
-      bytes.at(offset) = static_cast<char>(byte);
-    }
-    EXPECT_EQ(itemsIn(bytes), damage.items) << damage.label;
-  }
-}
-
-TEST(KeychainFile, NeverMakesUpAnItem) {
-  const std::string sound = keychainFile({{.server = "www.example.com"},
-                                          {.server = "www.example.com", .account = "berta"},
-                                          {.server = "example.org", .authenticationType = "dflt"},
-                                          {.server = "", .port = 8080, .path = "/a"}});
-  const Names items = {"www.example.com form", "www.example.com form", "example.org dflt", " form"};
+  // In the file are a table of attributes at 0x1f8 with records of 80 and 64 bytes, those of the
+  // account at 0x1068, the type at 0x1168 and the last at 0x11e8; and one of internet passwords at
+  // 0x1280 with records at 0x12a8 and 0x138c.
+  const std::string sound =
+      keychainFile({{.server = "a.test"}, {.server = "b", .authenticationType = "dflt"}});
+  const std::string first = "a.test form anna ", both = first + "b dflt anna ";
+  const std::string noServer = "- form anna b dflt anna ";
+  expectLeft(sound, passwordsIn,
+             {{"another version", {{0x07, 1}}, ""},
+              {"as many tables as fit", {{0x1a, 5}, {0x1b, 0x15}}, both},
+              {"more tables than fit", {{0x1a, 5}, {0x1b, 0x16}}, ""},
+              {"a table that outgrows its section", {{0x1283, 0xf1}}, ""},
+              {"an attribute too many", {{0x203, 56}}, ""},
+              {"an attribute without a format", {{0x1217, 0}}, ""},
+              {"an attribute that is there twice", {{0x377, 0}}, ""},
+              {"a type that is a number", {{0x11a7, 2}}, ""},
+              {"accounts that are numbers", {{0x10a7, 2}}, "a.test form - b dflt - "},
+              {"strings in place of blobs", {{0x1127, 0}, {0x11a7, 0}}, both},
+              {"a record too many", {{0x128b, 3}}, both},
+              {"a record that outgrows its table", {{0x138f, 0xe5}}, first},
+              {"a record of nothing but words", {{0x138f, 0x68}}, first + "- - - "},
+              {"a record shorter than its words", {{0x138f, 0x67}}, first},
+              {"no value", {{0x12ff, 0}}, noServer},
+              {"a value outside of its record", {{0x12ff, 0xe5}}, noServer},
+              {"a length that outgrows its record", {{0x136f, 0x1d}}, noServer},
+              {"the first of 1024 values", {{0x12ff, 0xc0}, {0x136a, 4}}, both},
+              {"more values", {{0x12ff, 0xc0}, {0x136a, 4}, {0x136b, 1}}, noServer},
+              {"the first of none", {{0x12ff, 0xc0}}, noServer}});
   for (std::size_t size = 0; size <= sound.size(); ++size) {
     // The last four bytes number the last change.
-    EXPECT_EQ(itemsIn(sound.substr(0, size)), size + 4 < sound.size() ? Names{} : items) << size;
-  }
-  const std::size_t firstPassword = sound.find("ssgp") - 24 - std::size_t{20} * 4;
-  for (std::size_t i = 0; i < firstPassword; ++i) {
-    for (const int flipped : {0x01, 0x04, 0x80, 0xFF}) {
-      std::string bytes = sound;
-      bytes[i] = static_cast<char>(bytes[i] ^ flipped);
-      for (const std::string& item : itemsIn(bytes)) {
-        // A damaged schema may lose the types of all items; without one they are not kept.
-        const bool typed = !item.ends_with(' ') && !item.ends_with('-');
-        EXPECT_TRUE(!typed || std::ranges::count(items, item) != 0) << i << ": " << item;
-      }
-    }
+    EXPECT_EQ(passwordsIn(sound.substr(0, size)), size + 4 < sound.size() ? "" : both) << size;
   }
 }
 
-struct KeychainFolder : WorkerTest {
-  static constexpr const char* kNewer = "Library/Keychains/login.keychain-db";
-  static constexpr const char* kOlder = "Library/Keychains/login.keychain";
-};
-
-TEST_F(KeychainFolder, AnswersOnlyAttributesWithAValueTheSystemKnows) {
-  home.file(kOlder, keychainFile({{.server = "a.test", .authenticationType = "forms"},
-                                  {.server = "", .authenticationType = "dflt", .account = ""},
-                                  {.server = "\xFF.test", .authenticationType = "FORM"},
-                                  {.server = "c.test", .authenticationType = "for"}}));
-  const std::vector<KeychainAttributes> items = {
-      {{"acct", "anna"}, {"atyp", "form"}, {"srvr", "a.test"}},
-      {{"atyp", "dflt"}},
-      {{"acct", "anna"}},
-      {{"acct", "anna"}, {"srvr", "c.test"}}};
-  EXPECT_EQ(WorkerExtras::allAccounts(*keychain), items);
+/// The names of the cookies, behind a "+" if all of the file is sound.
+std::string cookiesIn(std::string_view bytes) {
+  const BinaryCookies parsed = parseBinaryCookies(bytes);
+  std::string all = parsed.parsedWholly ? "+" : "";
+  for (const BinaryCookie& cookie : parsed.cookies) {
+    all += cookie.name;
+  }
+  return all;
 }
 
-TEST_F(KeychainFolder, ReadsTheOlderKeychainOnlyWithoutANewerOne) {
-  const std::string sound = keychainFile({{.server = "a.test"}});
-  home.link(kNewer, "nowhere").file(kOlder, sound);
-  EXPECT_TRUE(WorkerExtras::allAccounts(*keychain)) << "a dangling link is no keychain";
-  fs::remove(home.path(kNewer));
-  home.file(kNewer, sound.substr(0, sound.size() - 5));
-  EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "damaged";
-  fs::remove(home.path(kNewer));
-  ASSERT_EQ(::mkfifo(home.path(kNewer).c_str(), 0600), 0);
-  EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "a FIFO without a writer";
+const std::vector<SampleCookie> kCookies = {
+    {".a.test", "1", "1"}, {".a.test", "2", "", "/", 5}, {"b.test", "3", "2", "/p", 4}};
+
+TEST(CookieFile, KeepsTheBytesOfAllThatStays) {
+  const auto without = [](const std::string& file, const std::vector<bool>& gone) {
+    return withoutCookies(file, parseBinaryCookies(file), gone);
+  };
+  const std::string tail("\0\0\0\5bplis and more", 18);
+  for (const StringOrder order : {StringOrder::kNameFirst, StringOrder::kDomainFirst}) {
+    const std::string file = binaryCookieFile(kCookies, order, tail);
+    const std::string two = without(file, {true, false, false});
+    EXPECT_EQ(two, binaryCookieFile({kCookies[1], kCookies[2]}, order, tail));
+    const std::string emptyPage = without(file, {true, true, false});
+    EXPECT_EQ(emptyPage.size(), binaryCookieFile({kCookies[2]}, order, tail).size() + 16);
+    EXPECT_EQ(cookiesIn(emptyPage), "+3");
+    EXPECT_EQ(without(two, {true, false}), emptyPage);
+  }
 }
 
-TEST_F(KeychainFolder, HonoursTheQueryAndTellsWhyThereIsNothing) {
-  home.file(kNewer, keychainFile({{.server = "a.test"}, {.server = "b.test", .account = "berta"}}));
-  KeychainQuery query = WorkerExtras::_queryForService_account(std::nullopt, "berta");
-  EXPECT_EQ(keychain->copyMatching(query).status, Keychain::kSuccess);
-  EXPECT_TRUE(keychain->copyMatching(query).items.empty());
-  query.returnAttributes = true;
-  EXPECT_EQ(keychain->copyMatching(query).items.at(0).at("srvr"), "b.test");
-  query.account = std::nullopt;
-  EXPECT_EQ(keychain->copyMatching(query).items.size(), 1U) << "one is the limit";
-
-  KeychainError error;
-  EXPECT_EQ(WorkerExtras::accountsForService_error(*keychain, "a.test", &error), std::nullopt);
-  EXPECT_EQ(error.domain, "com.marrowgatestudios.Tasselby");
-  EXPECT_EQ(error.code, Keychain::kItemNotFound);
+TEST(CookieFile, LeavesOutWhatIsUnsoundAndSaysSo) {
+  const std::string sound = binaryCookieFile(kCookies);
+  expectLeft(sound, cookiesIn,
+             {{"another magic", {{0, 'k'}}, ""},
+              {"more pages than fit", {{7, 64}}, ""},
+              {"a page beyond the end", {{15, 0x5f}}, "12"},
+              {"another page start", {{18, 2}}, "3"},
+              {"more records than fit", {{20, 37}}, "3"},
+              {"a record in the page header", {{24, 0x13}}, "23"},
+              {"a record behind the page", {{27, 0x7f}}, "23"},
+              {"two offsets of one record", {{28, 0x14}}, "113"},
+              {"five, which is twice the page",
+               {{20, 5}, {24, 0x5a}, {28, 0x5a}, {32, 0x5a}, {36, 0x5a}, {40, 0x5a}},
+               "22223"},
+              {"no end of the page header", {{33, 1}}, "123"},
+              {"a record smaller than its fields", {{36, 0x37}}, "23"},
+              {"a record as large as the rest", {{36, 0x8b}}, "123"},
+              {"a record larger than the page", {{36, 0x8c}}, "23"},
+              {"a domain among the fields", {{52, 0x37}}, "23"},
+              {"a path behind the record", {{60, 0x46}}, "23"},
+              {"a value without an end", {{105, '1'}}, "23"},
+              {"another checksum", {{264, 0xae}}, "123"},
+              {"another trailer word", {{268, 6}}, "123"}});
+  for (std::size_t size = 0; size <= sound.size(); ++size) {
+    EXPECT_EQ(cookiesIn(sound.substr(0, size)).starts_with('+'), size == sound.size()) << size;
+  }
 }
 
 std::string withCache(const std::string& cache) {
   return R"({"other": [{"profile": 1}], "profile": {"info_cache": )" + cache + "}}";
 }
 
-std::string nested(const std::string& text, int depth) {
-  std::string all;
-  for (int i = 0; i < depth; ++i) {
-    all += text;
-  }
-  return all;
-}
-
 TEST(LocalState, ListsProfilesThatHaveAName) {
-  const ProfileMap two = {{"Default", "Anna"}, {"Profile 1", ""}};
-  const std::map<std::string, ProfileMap> profilesByText = {
-      {withCache(R"({"Default": {"name": "Anna"}, "Profile 1": {"a": [{}], "name": ""}})"), two},
-      {withCache(R"({"Default": {"name": "Anna"}, "None": {}, "Number": {"name": 1},
-                     "Text": "name", "List": [{"name": "x"}], "Null": {"name": null},
-                     "Deep": {"name": {"name": "x"}}, "Profile 1": {"name": "", "x": 1e308}})"),
-       two},
-      {withCache(R"({"Default": {"name": "x"}, "Default": {"name": "Anna"},
-                     "Profile 1": {"name": "y", "name": ""}, "Gone": {"name": "x"}, "Gone": 1})"),
-       two},
-      {withCache(R"({"Default": {"name": "Anna"}})") + "]", {}},
-      {withCache(R"([{"name": "Anna"}])"), {}},
-      {R"({"profile": {"info_cache": {"Default": {"name": "Anna"}}}, "profile": 1})", {}},
-      {R"([{"profile": {"info_cache": {"Default": {"name": "Anna"}}}}])", {}},
-      {R"({"profile": [{"info_cache": {"Default": {"name": "Anna"}}}]})", {}},
-      {withCache(R"({"Default": {"name": "Anna", "big": 1e999}})"), {}},
-      {"", {}},
-      {"\"profile\"", {}},
+  const std::string one = R"({"Default": {"name": "Anna"}})";
+  const auto deep = [](std::size_t depth) {
+    return withCache(R"({"Default": {"name": "Anna", "x": )" + std::string(depth, '[') +
+                     std::string(depth, ']') + "}}");
   };
-  for (const auto& [text, profiles] : profilesByText) {
-    EXPECT_EQ(profilesInLocalState(text), profiles) << text;
+  for (const std::string& text :
+       {withCache(R"({"None": {}, "Number": {"name": 1}, "Text": "name", "List": [{"name": "x"}],
+                      "Default": {"name": "Anna", "x": [{}], "y": 1e308}, "Null": {"name": null},
+                      "Deep": {"name": {"name": "x"}}, "Gone": {"name": "x"}, "Gone": 1})"),
+        withCache(R"({"Default": {"name": "x"}, "Default": {"name": "y", "name": "Anna"}})"),
+        R"({"profile": 1, "profile": {"info_cache": [], "info_cache": )" + one + "}}", deep(508)}) {
+    EXPECT_EQ(profilesInLocalState(text), (ProfileMap{{"Default", "Anna"}})) << text;
+  }
+  for (const std::string& text :
+       {withCache(one) + "]", withCache("[" + one + "]"),
+        R"([{"profile": {"info_cache": )" + one + "}}]",
+        R"({"profile": {"info_cache": )" + one + R"(}, "profile": 1})",
+        R"({"profile": {"info_cache": )" + one + R"(, "info_cache": 1}})",
+        R"({"profile": [{"info_cache": )" + one + "}]}", withCache(R"({"A": {"name": 1e999}})"),
+        deep(509), std::string(1000000, '['), ""s, "\"profile\""s}) {
+    EXPECT_TRUE(profilesInLocalState(text).empty()) << text.substr(0, 100);
   }
 }
 
-TEST(LocalState, SurvivesAnyNesting) {
-  const std::string deep = R"(", "deep": )" + nested("[", 500) + nested("]", 500) + "}}";
-  EXPECT_EQ(profilesInLocalState(withCache(R"({"Default": {"name": "Anna)" + deep)).size(), 1U);
-  for (const char* opening : {"[", R"({"profile":)"}) {
-    EXPECT_TRUE(profilesInLocalState(nested(opening, 1000000)).empty());
+std::string dictionary(const std::string& content) {
+  return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>" + content + "</dict></plist>";
+}
+
+/// A binary list with `value` twice under "k", once in UTF-16, behind a true one; and beside it a
+/// dictionary that has itself under "k".
+std::string binary(const std::string& value) {
+  std::string list = "bplist00", offsets;
+  for (const std::string& object :
+       {"\xD4\1\2\1\3\4\5\6\6"s, "\x51k"s, "\x10k"s, "\x61\0k"s, "\x09"s, "\xD1\1\5"s, value}) {
+    offsets += {'\0', static_cast<char>(list.size())};
+    list += object;
+  }
+  const std::string trailer = "\0\0\0\0\0\0\2\1\0\0\0\0\0\0\0\7"s + std::string(15, '\0');
+  return list + offsets + trailer + static_cast<char>(list.size());
+}
+
+void expectValues(std::optional<bool> boolean, const std::vector<std::string>& values) {
+  for (const std::string& value : values) {
+    const std::string before = "<key>o</key><dict><key>k</key><true/></dict><key>k</key><true/>";
+    const std::string list =
+        value.starts_with('<') ? dictionary(before + "<key>k</key>" + value) : binary(value);
+    EXPECT_EQ(boolInPropertyList(list, "k"), boolean) << ::testing::PrintToString(value);
+    EXPECT_EQ(boolInPropertyList(list, "other"), std::nullopt);
+  }
+}
+
+TEST(PropertyList, LastValueOfAKeyDecidesByItsTypeInBothFormats) {
+  expectValues(true,
+               {"<true/>", "<integer> -1</integer>", "<integer>0x0a</integer>", "<real>0.5</real>",
+                "<real>nan</real>", "<string>Y\u00e9s</string>", "<string>&#89;es</string>", "\x09",
+                "\x13\xFF\0\0\0\0\0\0\0"s, "\x14"s + std::string(15, '\0') + "\1", "\x22\0\0\0\1"s,
+                "\x23\x7F\xF8\0\0\0\0\0\0"s, "\x53yes", "\x5F\x10\x02\t1", "\x62\0Y\x20\xAC"s});
+  expectValues(
+      false, {"<false/>", "<integer>-0</integer><!--1-->", "<real>-0</real>", "<string/>",
+              "<date>2011-01-01T00:00:00Z</date>", "<data>WUVT</data>", "<new>1</new>",
+              "<array><true/></array>", "\x08", "\0"s, "\x12\0\0\0\0"s, "\x22\x80\0\0\0"s, "\x50",
+              "\x61\x59\0"s, "\xD1\1\4", "\xAF\x17", "\x43yes", "\x80\1", "<string>\n1</string>"});
+  expectValues(std::nullopt,
+               {"\x13\1", "\x15" + std::string(32, '\1'), "\x5F", "\x5F\x51", "\x5F\x14",
+                "\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", "<true>", "<key>k</key>"});
+}
+
+TEST(PropertyList, DamagedListHasNoKeys) {
+  const std::string member = "<key>k</key><true/>", list = dictionary(member);
+  // Nesting neither hides a key nor takes memory without bound.
+  const auto nested = [&member](int depth) {
+    std::string begins, ends;
+    for (; depth > 0; --depth) {
+      begins += "<dict>", ends += "</dict>";
+    }
+    return dictionary("<key>o</key>" + begins + ends + member);
+  };
+  EXPECT_EQ(boolInPropertyList(nested(100'000), "k"), true);
+  for (const std::string& sound : {list, binary("\x09")}) {
+    for (std::size_t size = 0; size < sound.size(); ++size) {
+      EXPECT_EQ(boolInPropertyList(sound.substr(0, size), "k"), std::nullopt) << size;
+    }
+  }
+  for (const std::string& damaged :
+       {dictionary(member + "<key>o</key>"), dictionary(member + "<true/>"), list + list,
+        "<!DOCTYPE plist [<!ENTITY e 'e'>]>" + list.substr(21), "<array>" + member + "</array>",
+        binary("\x09") + '\0', nested(300'000)}) {
+    EXPECT_EQ(boolInPropertyList(damaged, "k"), std::nullopt) << damaged.substr(0, 200);
+  }
+}
+
+TEST(ArgumentDomain, PairsSetPreferences) {
+  const std::map<Names, std::map<std::string, bool>> domainByArguments = {
+      {{"worker", "-a", "YES", "Safari", "-b", "0"}, {{"a", true}, {"b", false}}},
+      {{"worker", "-a", "-b", "YES"}, {{"b", true}}},
+      {{"worker", "-a", "-1", "-b"}, {}},
+      {{"--a", "1", "-", "-b", "1"}, {{"-a", true}, {"b", true}}},
+      {{"worker", "-", "1", "-a", "", "-b", "1"}, {{"a", false}, {"b", true}}},
+      {{"worker", "-a", "YES", "-a", "NO"}, {{"a", false}}}};
+  for (const auto& [arguments, domain] : domainByArguments) {
+    EXPECT_EQ(argumentDomain(arguments), domain) << ::testing::PrintToString(arguments);
+  }
+  // A letter of yes, a number, or a list that is one of these.
+  for (const char* value :
+       {"YES", "y+", "true", "T", " \t1 ", "\n 1", "1a", "007", "+01", "\"YES\"", "<true/>",
+        " <integer>2</integer>\n", "<?xml version=\"1.0\"?><plist><true/></plist>"}) {
+    EXPECT_EQ(argumentDomain({"-a", value}).at("a"), true) << value;
+  }
+  for (const char* value :
+       {"",          " ",       "no",       "on",         "+0",
+        "+y",        "0y",      "ay",       "0.5",        "+-1",
+        "<false/>",  "<yes/>",  "\"YES\"x", "\"",         "\"Y\\",
+        "\"Y\\\"\"", "\"Y\"\"", "(YES)",    "{ a = 1; }", "<array><true/></array>"}) {
+    EXPECT_EQ(argumentDomain({"-a", value}).at("a"), false) << value;
   }
 }
 

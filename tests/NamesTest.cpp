@@ -123,29 +123,21 @@ TEST_F(NamesIn, ScopesAreReadBackwards) {
 }
 
 TEST_F(NamesIn, TheCatalogueHasItsNamesInOrderAndEachMarksACookie) {
-  Names names = WorkerAppDelegate::defaultTrackingCookies();
-  ASSERT_EQ(names.size(), 122U);
-  EXPECT_EQ(names, WorkerAppDelegate::defaultTrackingCookies());
   std::vector<SampleCookie> cookies;
-  for (const std::string& name : names) {
+  std::uint64_t hash = 14695981039346656037U;
+  for (const std::string& name : WorkerAppDelegate::defaultTrackingCookies()) {
     cookies.push_back({.domain = "kept.com", .name = name + "1"});
     cookies.push_back({.domain = "kept.com", .name = "X" + name});
-  }
-  home.file("Library/Cookies/Cookies.binarycookies", binaryCookieFile(cookies));
-  const CookieCounts counts = worker.removeCookies_keepCookies("Safari", {"kept.com"});
-  EXPECT_EQ(counts.tracking, 122);
-  EXPECT_EQ(counts.cookies, 122);
-  // The one at place 60 is a person's name, whose does not matter.
-  EXPECT_EQ(names[59].size(), 6U);
-  EXPECT_TRUE(std::ranges::all_of(names[59], [](char c) { return c >= 'a' && c <= 'z'; }));
-  names[59] = "person";
-  std::uint64_t hash = 14695981039346656037U;
-  for (const std::string& name : names) {
-    for (const char c : name + ",") {
+    // The one at place 60 is a person's name, whose does not matter.
+    for (const char c : (cookies.size() == 120 ? "person" : name) + ",") {
       hash = (hash ^ static_cast<std::uint8_t>(c)) * 1099511628211U;
     }
   }
   EXPECT_EQ(hash, 0xe2e37f658e21a722U);
+  home.file("Library/Cookies/Cookies.binarycookies", binaryCookieFile(cookies));
+  const CookieCounts counts = worker.removeCookies_keepCookies("Safari", {"kept.com"});
+  EXPECT_EQ(counts.tracking, 122);
+  EXPECT_EQ(counts.cookies, 122);
 }
 
 }  // namespace

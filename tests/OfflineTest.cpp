@@ -1,0 +1,121 @@
+// What is answered from the files of a home, and changed in them: passwords, cookies, preferences.
+#include <sys/stat.h>
+
+#include "keep/WorkerExtras.h"
+#include "platform/BinaryCookies.h"
+#include "samples/BinaryCookieWriter.h"
+#include "samples/KeychainWriter.h"
+#include "tests/support/WorkerTest.h"
+
+namespace tasselby {
+namespace {
+
+const std::string kKeychain = "Library/Keychains/login.keychain-db";
+const std::string kCookies = "Library/Cookies/Cookies.binarycookies";
+const std::string kContainer = "Library/Containers/com.apple.Safari/Data/";
+const std::vector<SampleCookie> kFour = {
+    {".a.test", "0"}, {".a.test", "1"}, {"b.test", "2"}, {"b.test", "3"}};
+
+struct Offline : WorkerTest {
+  struct stat cookieFile() const {
+    struct stat status{};
+    ::stat(home.path(kCookies).c_str(), &status);
+    return status;
+  }
+
+  /// Deletes the cookies at `places` of the storage's.
+  void remove(const std::vector<std::size_t>& places) {
+    const std::vector<HTTPCookie> cookies = cookieStorage->cookies();
+    for (const std::size_t place : places) {
+      cookieStorage->deleteCookie(cookies.at(place));
+    }
+  }
+};
+
+TEST_F(Offline, KeychainAnswersOnlyValuesThatTheSystemKnows) {
+  std::vector<SavedPassword> saved = {{.server = "", .account = ""}, {.server = "\xFF.test"}};
+  std::vector<KeychainAttributes> items = {{{"atyp", "form"}},
+                                           {{"acct", "anna"}, {"atyp", "form"}}};
+  for (const char* type :
+       {"ntlm", "msna", "dpaa", "rpaa", "http", "httd", "form", "dflt", "formx", "FORM", "for"}) {
+    saved.push_back({.server = "a.test", .authenticationType = type});
+    items.push_back({{"acct", "anna"}, {"srvr", "a.test"}});
+    if (items.size() < 12) {
+      items.back()["atyp"] = std::string(type).substr(0, 4);
+    }
+  }
+  saved.push_back({.server = "b.test", .account = "berta"});
+  home.file(kKeychain, keychainFile(saved));
+  KeychainQuery query = WorkerExtras::_queryForService_account(std::nullopt, "berta");
+  EXPECT_TRUE(keychain->copyMatching(query).items.empty());
+  query.returnAttributes = true;
+  items.push_back({{"acct", "berta"}, {"atyp", "form"}, {"srvr", "b.test"}});
+  EXPECT_EQ(keychain->copyMatching(query).items, std::vector{items.back()});
+  EXPECT_EQ(WorkerExtras::allAccounts(*keychain), items);
+  query.account = std::nullopt;
+  EXPECT_EQ(keychain->copyMatching(query).items, std::vector{items.front()}) << "one is the limit";
+  KeychainError error;
+  EXPECT_FALSE(WorkerExtras::accountsForService_error(*keychain, "a.test", &error));
+  EXPECT_EQ(error.domain, "com.marrowgatestudios.Tasselby");
+  EXPECT_EQ(error.code, Keychain::kItemNotFound);
+}
+
+TEST_F(Offline, ReadsTheOlderKeychainOnlyWithoutANewerOne) {
+  const std::string sound = keychainFile({{.server = "a.test"}});
+  home.link(kKeychain, "nowhere").file("Library/Keychains/login.keychain", sound);
+  EXPECT_TRUE(WorkerExtras::allAccounts(*keychain)) << "a dangling link is no keychain";
+  fs::remove(home.path(kKeychain));
+  home.file(kKeychain, sound.substr(0, sound.size() - 5));
+  EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "damaged";
+}
+
+TEST_F(Offline, CookieFileBehindALinkIsRewrittenOnceAndKeepsItsMode) {
+  home.file("real/file", binaryCookieFile(kFour)).link(kCookies, "../../real/file");
+  home.link(kContainer + "Library/Cookies", home.path("Library/Cookies"));
+  ::chmod(home.path(kCookies).c_str(), 0640);
+  const std::vector<HTTPCookie> cookies = cookieStorage->cookies();
+  EXPECT_EQ(cookies.size(), 4U) << "one file behind both paths";
+  const ino_t before = cookieFile().st_ino;
+  remove({2, 0, 3});
+  EXPECT_EQ(cookieFile().st_ino, before) << "deletions are gathered";
+  cookieStorage->synchronize();
+  const ino_t after = cookieFile().st_ino;
+  EXPECT_NE(after, before);
+  EXPECT_EQ(cookieFile().st_mode & 07777, 0640U);
+  EXPECT_TRUE(fs::is_symlink(home.path(kCookies)));
+  EXPECT_EQ(home.list("real"), Names{"file"});
+  cookieStorage->deleteCookie(cookies[2]);
+  cookieStorage->synchronize();
+  EXPECT_EQ(cookieFile().st_ino, after) << "a cookie already gone writes nothing";
+}
+
+TEST_F(Offline, CookiesGoByTheirBytesFromSoundFilesOnly) {
+  std::string damaged = binaryCookieFile(kFour);
+  damaged[20] = '\x7f';  // The first page's number of records.
+  home.file(kCookies, binaryCookieFile(kFour)).file(kContainer + kCookies, damaged);
+  remove({0, 1, 1, 3, 4, 5});
+  const SampleCookie later = {"b.test", "later"};
+  home.file(kCookies, binaryCookieFile({kFour[1], later, kFour[1], kFour[0], kFour[2]}));
+  cookieStorage->synchronize();
+  EXPECT_EQ(home.contents(kCookies), binaryCookieFile({kFour[1], later, kFour[2]}))
+      << "of two identical records one went";
+  EXPECT_EQ(home.contents(kContainer + kCookies), damaged);
+}
+
+TEST_F(Offline, FirstReadablePreferencesThatHaveTheKeyDecideAndAreReadOnce) {
+  const std::string own = "Library/Preferences/com.marrowgatestudios.Tasselby.Worker.plist";
+  const std::string suite = "Library/Preferences/suite.plist";
+  home.file(own, "<dict><key>arg</key><true/><key>own</key><true/><key>odd</key><array/></dict>")
+      .file(suite, "<dict><key>own</key><false/><key>odd</key><true/><key>s</key><true/></dict>");
+  ASSERT_EQ(::mkfifo(home.path("Library/Preferences/fifo.plist").c_str(), 0600), 0);
+  const auto defaults = makeOfflineUserDefaults({"worker", "-arg", "Safari"}, files);
+  defaults->addSuiteNamed("fifo");
+  defaults->addSuiteNamed("suite");
+  EXPECT_FALSE(defaults->boolForKey("arg"));
+  home.file(own, "").file(suite, "");
+  EXPECT_TRUE(defaults->boolForKey("own") && defaults->boolForKey("s"));
+  EXPECT_FALSE(defaults->boolForKey("odd") || defaults->boolForKey("other"));
+}
+
+}  // namespace
+}  // namespace tasselby
