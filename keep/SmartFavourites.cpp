@@ -63,7 +63,7 @@ KeepList WorkerAppDelegate::getFirefoxSmartFavouritesArray() const {
       // cut ("https://example.com"), and machines of the user's own network are sites here.
       const auto site = host != nullptr ? WorkerExtras::siteWithDomainName(*host) : std::nullopt;
       if (site) {
-        sites.add(*site, *host + " in Firefox's profile " + profile.substr(profile.rfind('/') + 1));
+        sites.add(*site, *host + " in Firefox's profile " + nameOf(profile));
       }
     }
   }

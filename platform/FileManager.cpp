@@ -22,15 +22,10 @@ namespace {
 // Below a file there is never anything.
 constexpr const char* kNowhere = "/dev/null";
 
-/// `path` for a call of the system; what names nothing where a NUL would cut it off.
-const char* named(const std::string& path) {
-  return path.find('\0') == std::string::npos ? path.c_str() : "";
-}
-
-/// The type bits of what is at `path`; 0 when nothing is.
+/// The type bits of what the system finds at `path`; 0 when that is nothing.
 mode_t typeAt(const std::string& path, bool followLinks) {
   struct stat status{};
-  const int result = followLinks ? ::stat(named(path), &status) : ::lstat(named(path), &status);
+  const int result = followLinks ? ::stat(path.c_str(), &status) : ::lstat(path.c_str(), &status);
   return result == 0 ? status.st_mode & S_IFMT : 0;
 }
 
@@ -72,23 +67,28 @@ std::string FileManager::onVolume(const std::string& path) const {
   return join(volume_, path);
 }
 
+std::string FileManager::located(const std::string& path, bool /*followLinks*/) const {
+  return path.find('\0') == std::string::npos ? path : "";
+}
+
 bool FileManager::fileExistsAtPath(const std::string& path) const {
-  return typeAt(path, true) != 0;
+  return typeAt(located(path, true), true) != 0;
 }
 
 bool FileManager::isFolderAtPath(const std::string& path) const {
-  return typeAt(path, true) == S_IFDIR;
+  return typeAt(located(path, true), true) == S_IFDIR;
 }
 
 bool FileManager::hasFolderType(const std::string& path) const {
-  return typeAt(path, false) == S_IFDIR;
+  return typeAt(located(path, false), false) == S_IFDIR;
 }
 
 std::vector<std::string> FileManager::contentsOfDirectoryAtPath(const std::string& path) const {
   std::vector<std::string> names;
   std::error_code error;
   const fs::directory_iterator end;
-  for (fs::directory_iterator item(named(path), error); item != end; item.increment(error)) {
+  for (fs::directory_iterator item(located(path, true), error); item != end;
+       item.increment(error)) {
     names.push_back(item->path().filename().native());
   }
   if (error) {
@@ -101,7 +101,7 @@ bool FileManager::enumerateDeep(const std::string& path,
                                 const std::function<bool(const std::string&)>& visit) const {
   std::error_code error;
   const fs::recursive_directory_iterator end;
-  for (fs::recursive_directory_iterator item(named(path), error); !error && item != end;
+  for (fs::recursive_directory_iterator item(located(path, true), error); !error && item != end;
        item.increment(error)) {
     if (!visit(item->path().native())) {
       return false;
@@ -113,7 +113,8 @@ bool FileManager::enumerateDeep(const std::string& path,
 std::optional<std::string> FileManager::contentsOfFile(const std::string& path,
                                                        std::size_t limit) const {
   // Without O_NONBLOCK, opening a FIFO waits for a writer.
-  const int descriptor = ::open(named(path), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+  const int descriptor =
+      ::open(located(path, true).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
   if (descriptor < 0) {
     return std::nullopt;
   }
@@ -128,27 +129,27 @@ std::optional<std::string> FileManager::textOfFile(const std::string& path) cons
 }
 
 bool FileManager::hasItemAtPath(const std::string& path) const {
-  return typeAt(path, false) != 0;
+  return typeAt(located(path, false), false) != 0;
 }
 
 int FileManager::openForOverwriting(const std::string& path) const {
-  return ::open(named(path), O_RDWR | O_CLOEXEC);
+  return ::open(located(path, true).c_str(), O_RDWR | O_CLOEXEC);
 }
 
 void FileManager::removeItemAtPath(const std::string& path) const {
   if (path.ends_with('/')) {
     return removeItemAtPath(path.substr(0, path.size() - 1));
   }
-  removeTree(named(path));
+  removeTree(located(path, false));
 }
 
 bool FileManager::emptyFolderAtPath(const std::string& path,
                                     const std::vector<std::string>& but) const {
-  return emptyFolder(named(path), but);
+  return emptyFolder(located(path, false), but);
 }
 
 void FileManager::setAsideItemAtPath(const std::string& path, const std::string& newPath) const {
-  std::rename(named(path), newPath.c_str());
+  std::rename(located(path, false).c_str(), newPath.c_str());
 }
 
 }  // namespace tasselby

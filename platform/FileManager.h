@@ -84,6 +84,11 @@ class FileManager {
   /// removed. A failure leaves it and is not reported.
   virtual void setAsideItemAtPath(const std::string& path, const std::string& newPath) const;
 
+ protected:
+  /// The path by which the system finds what is at `path`, `followLinks` telling whether links at
+  /// its end are followed; empty when that is nothing. All of the above but the first two go by it.
+  virtual std::string located(const std::string& path, bool followLinks) const;
+
  private:
   std::string home_;
   std::string volume_;

@@ -15,6 +15,14 @@ std::string join(const std::string& base, std::string_view component) {
       .append(component.substr(first, behind - first));
 }
 
+std::string folderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/'));
+}
+
+std::string nameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
 bool staysBelow(std::string_view component) {
   const std::string parts = std::string("/").append(component).append("/");
   return parts.find("/./") == std::string::npos && parts.find("/../") == std::string::npos &&

@@ -12,6 +12,10 @@ namespace tasselby {
 /// `component` leaves `base` alone.
 std::string join(const std::string& base, std::string_view component);
 
+/// What stands before and behind the last "/" of `path`.
+std::string folderOf(const std::string& path);
+std::string nameOf(const std::string& path);
+
 /// Whether appending `component`, read from somebody's data, names something below the folder it is
 /// appended to, or that folder by the empty name: no "." or ".." among its parts, no NUL byte.
 ///

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>

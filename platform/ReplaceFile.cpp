@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/Paths.h"
+
 namespace tasselby {
 namespace {
 
@@ -38,7 +40,7 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
     return false;
   }
   // In the same folder, for only there is a rename one step.
-  std::string fresh = path.substr(0, path.rfind('/') + 1) + ".tasselby-XXXXXX";
+  std::string fresh = folderOf(path) + "/.tasselby-XXXXXX";
   const int descriptor = ::mkostemp(fresh.data(), O_CLOEXEC);
   if (descriptor < 0) {
     return false;

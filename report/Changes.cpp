@@ -11,6 +11,7 @@
 #include "keep/WorkerExtras.h"
 #include "platform/BinaryCookies.h"
 #include "platform/FileManager.h"
+#include "platform/Paths.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -81,10 +82,6 @@ std::vector<Item> rowsOf(const std::string& path, const KeepList& keepList, std:
   }
   std::ranges::sort(rows);
   return rows;
-}
-
-std::string folderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/'));
 }
 
 bool isGone(const Paths& removed, std::string path) {

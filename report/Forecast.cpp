@@ -2,15 +2,13 @@
 
 #include <fcntl.h>
 #include <filesystem>
-#include <functional>
-#include <memory>
 #include <optional>
-#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
 #include "app/WorkerAppDelegate.h"
 #include "platform/HardError.h"
+#include "platform/Paths.h"
 #include "platform/SafariCookies.h"
 #include "platform/offline/OfflinePlatform.h"
 
@@ -29,14 +27,6 @@ std::string rootIn(const ScratchFolder& scratch) {
   return scratch.path() + "/now";
 }
 
-std::string folderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/'));
-}
-
-std::string nameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
 bool mayChange(const std::string& folder) {
   return ::access(folder.c_str(), W_OK | X_OK) == 0;
 }
@@ -49,75 +39,44 @@ bool mayChange(const std::string& folder) {
 /// removed: a removal is written down and changes nothing.
 class StandIn final : public FileManager {
  public:
-  /// Stands in for `real`, which outlives it, as does `scratch`.
+  /// Stands in for `real`. `scratch` outlives it.
   StandIn(const FileManager& real, const ScratchFolder& scratch)
       : FileManager(rootIn(scratch) + real.expandTilde("~"), rootIn(scratch) + real.onVolume("")),
-        real_(real),
         scratch_(scratch),
         root_(rootIn(scratch)) {}
 
-  bool fileExistsAtPath(const std::string& path) const override { return open(path).has_value(); }
-  bool hasItemAtPath(const std::string& path) const override { return itemAt(path).has_value(); }
-
-  bool isFolderAtPath(const std::string& path) const override {
-    const Path item = find(path, true);
-    return item && real_.isFolderAtPath(*item);
-  }
-
-  bool hasFolderType(const std::string& path) const override {
-    const Path item = itemAt(path);
-    return item && real_.hasFolderType(*item);
-  }
-
   std::vector<std::string> contentsOfDirectoryAtPath(const std::string& path) const override {
-    const Path folder = find(path, true);
-    if (!folder || !real_.isFolderAtPath(*folder)) {
-      return {};
-    }
-    outcome_.lookedAt.insert(*folder);
-    std::vector<std::string> names = real_.contentsOfDirectoryAtPath(*folder);
+    const std::string folder = located(path, true);
+    std::vector<std::string> names = FileManager::contentsOfDirectoryAtPath(path);
     std::erase_if(names, [&](const std::string& name) {
-      return outcome_.removed.contains(*folder + "/" + name);
+      return outcome_.removed.contains(folder + "/" + name);
     });
+    if (isFolderAtPath(path)) {
+      outcome_.lookedAt.insert(folder);
+    }
     return names;
   }
 
-  bool enumerateDeep(const std::string& path,
-                     const std::function<bool(const std::string&)>& visit) const override {
-    const Path folder = find(path, true);
-    const auto visitItem = [&](const std::string& item) { return visit(root_ + item); };
-    return !folder || real_.enumerateDeep(*folder, visitItem);
-  }
-
-  Path contentsOfFile(const std::string& path, std::size_t limit) const override {
-    const Path item = open(path);
-    if (!item) {
-      return std::nullopt;
-    }
-    const auto copy = outcome_.stores.find(*item);
-    return real_.contentsOfFile(copy == outcome_.stores.end() ? *item : copy->second, limit);
-  }
-
   int openForOverwriting(const std::string& path) const override {
-    const Path item = find(path, true);
-    struct stat status{};
-    const bool opens = item && ::stat(item->c_str(), &status) == 0 &&
-                       (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode)) &&
-                       ::access(item->c_str(), R_OK | W_OK) == 0;
+    std::error_code error;
+    const std::string item = located(path, true);
+    const fs::file_type type = fs::status(item, error).type();
+    const bool opens = (type == fs::file_type::regular || type == fs::file_type::fifo) &&
+                       ::access(item.c_str(), R_OK | W_OK) == 0;
     return opens ? ::open("/dev/null", O_RDWR | O_CLOEXEC) : -1;
   }
 
   void removeItemAtPath(const std::string& path) const override {
-    const Path item = itemAt(path);
-    if (item && mayChange(folderOf(*item))) {
-      outcome_.removed.insert(*item);
+    const std::string item = located(path, false);
+    if (!item.empty() && mayChange(folderOf(item))) {
+      outcome_.removed.insert(item);
     }
   }
 
   bool emptyFolderAtPath(const std::string& path,
                          const std::vector<std::string>& /*but*/) const override {
     // What is in it goes with the folder, which is set aside next.
-    return !hasFolderType(path) || mayChange(itemAt(path).value_or(""));
+    return !hasFolderType(path) || mayChange(located(path, false));
   }
 
   void setAsideItemAtPath(const std::string& path, const std::string& /*newPath*/) const override {
@@ -134,26 +93,26 @@ class StandIn final : public FileManager {
                                          : fs::absolute(path, error).native();
   }
 
- private:
-  /// The real path without links of what the run finds at `path`; no value when that is nothing.
-  Path find(const std::string& path, bool followLast) const {
+ protected:
+  std::string located(const std::string& path, bool followLinks) const override {
     int links = 0;
     const bool isPath = path.find('\0') == std::string::npos;
-    return isPath ? resolve(realPath(path), followLast, links) : std::nullopt;
+    const Path item = isPath ? resolve(realPath(path), followLinks, links) : std::nullopt;
+    return !item ? "" : followLinks && isStore(nameOf(path)) ? storeAt(path, *item) : *item;
   }
 
-  Path itemAt(const std::string& path) const { return find(path, false); }
-
+ private:
   Path resolve(const std::string& path, bool followLast, int& links) const;
-  Path open(const std::string& path) const;
+  std::string storeAt(const std::string& path, const std::string& item) const;
 
-  const FileManager& real_;
   const ScratchFolder& scratch_;
   std::string root_;
   mutable Outcome outcome_;
 };
 
-/// `find` for a real path. "" is the root.
+/// The path without links of what the run finds at `path`, a real one; no value when that is
+/// nothing.
+/// "" is the root.
 Path StandIn::resolve(const std::string& path, bool followLast, int& links) const {
   if (path.find_first_not_of('/') == std::string::npos) {
     return "";
@@ -182,16 +141,12 @@ Path StandIn::resolve(const std::string& path, bool followLast, int& links) cons
   return resolve(target.starts_with('/') ? target : *folder + "/" + target, true, links);
 }
 
-/// What is at `path`, links followed. A store is copied to its place below the scratch folder, and
-/// made to be found there by the path that the run has of it.
-Path StandIn::open(const std::string& path) const {
-  Path item = find(path, true);
-  if (!item || !isStore(nameOf(path))) {
-    return item;
-  }
-  const std::string copy = root_ + *item;
-  if (outcome_.stores.emplace(*item, copy).second) {
-    scratch_.copyStore(*item, copy);
+/// The copy of the store `item`, made when it is first asked for and to be found by `path`, the
+/// path that the run has of it; `item` itself where it cannot be copied.
+std::string StandIn::storeAt(const std::string& path, const std::string& item) const {
+  const std::string copy = root_ + item;
+  if (outcome_.stores.emplace(item, copy).second) {
+    scratch_.copyStore(item, copy);
   }
   const std::string asked = root_ + realPath(path);
   std::error_code error;
@@ -199,30 +154,21 @@ Path StandIn::open(const std::string& path) const {
     fs::create_directories(folderOf(asked), error);
     fs::create_symlink(copy, asked, error);
   }
-  return item;
+  return fs::exists(copy, error) ? copy : item;
 }
 
 /// Where the delegate's run ends.
 struct Terminated {};
 
-/// What the system is to the run, apart from its files. The preferences are the home's, but that
-/// the report is always made; it is kept here.
-class ForecastSystem final : public Application,
-                             public Bundle,
-                             public UserDefaults,
-                             public UserNotificationCenter {
+/// What the system is to the run, apart from its files. The report is kept here.
+class ForecastSystem final : public Application, public Bundle, public UserNotificationCenter {
  public:
-  ForecastSystem(const std::vector<std::string>& arguments, const FileManager& files)
-      : arguments_(arguments), defaults_(makeOfflineUserDefaults(arguments, files)) {}
+  explicit ForecastSystem(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
 
   std::vector<std::string> arguments() const override { return arguments_; }
   void terminate() override { throw Terminated(); }
   std::string localizedString(const std::string& key, const std::string& /*value*/) const override {
     return key;
-  }
-  void addSuiteNamed(const std::string& suite) override { defaults_->addSuiteNamed(suite); }
-  bool boolForKey(const std::string& key) const override {
-    return key == "displayNotifications" || defaults_->boolForKey(key);
   }
   void setDelegate(UserNotificationCenterDelegate* /*to*/) override {}
   void scheduleNotification(const UserNotification& notification) override {
@@ -234,7 +180,6 @@ class ForecastSystem final : public Application,
 
  private:
   std::vector<std::string> arguments_;
-  std::unique_ptr<UserDefaults> defaults_;
 };
 
 std::string canonical(const std::string& path) {
@@ -244,14 +189,17 @@ std::string canonical(const std::string& path) {
 
 }  // namespace
 
-RunResult forecast(const std::vector<std::string>& arguments, const FileManager& files,
+RunResult forecast(std::vector<std::string> arguments, const FileManager& files,
                    const ScratchFolder& scratch) {
+  // The report is always made.
+  arguments.insert(arguments.end(), {"-displayNotifications", "YES"});
   const StandIn standIn(files, scratch);
-  ForecastSystem system(arguments, standIn);
+  ForecastSystem system(arguments);
+  const auto defaults = makeOfflineUserDefaults(arguments, standIn);
   const auto keychain = makeOfflineKeychain(standIn);
   const auto cookies = makeSafariCookies(standIn);
   WorkerAppDelegate worker(Platform{.application = system,
-                                    .userDefaults = system,
+                                    .userDefaults = *defaults,
                                     .bundle = system,
                                     .keychain = *keychain,
                                     .cookieStorage = *cookies,
@@ -263,7 +211,7 @@ RunResult forecast(const std::vector<std::string>& arguments, const FileManager&
   result.browser = worker.startupCheck();
   result.home = canonical(files.expandTilde("~"));
   result.volume = canonical(files.onVolume("/"));
-  if (!system.boolForKey("removeAll")) {
+  if (!defaults->boolForKey("removeAll")) {
     result.kept = result.browser == "Firefox" ? worker.getFirefoxSmartFavouritesArray()
                                               : worker.getSmartFavouritesArray();
   }

@@ -1,10 +1,15 @@
 #include "report/ScratchFolder.h"
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <iostream>
+#include <poll.h>
+#include <stdexcept>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -40,21 +45,48 @@ bool clone(const std::string& from, const std::string& to) {
 #endif
 }
 
+[[noreturn]] void throwNoRoom() {
+  throw std::runtime_error("no room for a scratch folder; TMPDIR names another place");
+}
+
+/// Waits for the end of what can be read from `held`, shows the seconds, and removes `folder`.
+[[noreturn]] void keepUntilReleased(const std::string& folder, int held) {
+  // Out of reach of the signals that a terminal sends.
+  ::setsid();
+  pollfd end{held, POLLIN, 0};
+  int seconds = 0;
+  while (::poll(&end, 1, 1000) == 0) {
+    if (::isatty(STDERR_FILENO) != 0) {
+      std::cerr << "\rLooking, " << ++seconds << " s" << std::flush;
+    }
+  }
+  std::cerr << (seconds != 0 ? "\r\033[K" : "") << std::flush;
+  std::error_code ignored;
+  fs::remove_all(folder, ignored);
+  ::_exit(EXIT_SUCCESS);
+}
+
 }  // namespace
 
 ScratchFolder::ScratchFolder() {
   std::error_code error;
-  std::string made = (fs::temp_directory_path(error) / "tasselby-XXXXXX").native();
-  if (error || ::mkdtemp(made.data()) == nullptr) {
-    throw ScratchError();
+  path_ = (fs::canonical(fs::temp_directory_path(error), error) / "tasselby-XXXXXX").native();
+  std::array<int, 2> ends{};
+  if (error || ::pipe(ends.data()) != 0 || ::mkdtemp(path_.data()) == nullptr) {
+    throwNoRoom();
   }
-  const fs::path whole = fs::canonical(made, error);
-  path_ = error ? made : whole.native();
+  held_ = ends[1];
+  keeper_ = ::fork();
+  if (keeper_ == 0) {
+    ::close(held_);
+    keepUntilReleased(path_, ends[0]);
+  }
+  ::close(ends[0]);
 }
 
 ScratchFolder::~ScratchFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
+  ::close(held_);
+  ::waitpid(keeper_, nullptr, 0);
 }
 
 void ScratchFolder::copyStore(const std::string& from, const std::string& to) const {
@@ -70,7 +102,7 @@ void ScratchFolder::copy(const std::string& from, const std::string& to) const {
     return;
   }
   if (3 * fs::file_size(from, error) + kSpareRoom > fs::space(path_, error).available) {
-    throw ScratchError();
+    throwNoRoom();
   }
   fs::create_directories(fs::path(to).parent_path(), error);
   if (!clone(from, to)) {
@@ -78,7 +110,7 @@ void ScratchFolder::copy(const std::string& from, const std::string& to) const {
   }
   const bool writable = ::access(from.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
   if (error || ::chmod(to.c_str(), writable ? S_IRUSR | S_IWUSR : S_IRUSR) != 0) {
-    throw ScratchError();
+    throwNoRoom();
   }
 }
 

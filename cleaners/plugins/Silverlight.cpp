@@ -50,8 +50,7 @@ void visitEntries(const FileManager& files, const std::string& path, int levels,
 /// Where to set aside what is at `path`: beside it. A name has at most 255 bytes.
 std::string asideOf(const std::string& path) {
   constexpr std::size_t kLongest = 200;
-  const std::size_t name = path.rfind('/') + 1;
-  return path.substr(0, name) + kAside + path.substr(name, kLongest);
+  return join(folderOf(path), kAside + nameOf(path).substr(0, kLongest));
 }
 
 /// The site of the store at `store`; no value when the store is gone.

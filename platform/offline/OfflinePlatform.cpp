@@ -41,7 +41,8 @@ class OfflineBundle final : public Bundle {
   }
 };
 
-/// `$HOME` as an absolute path; empty when it is empty or not set.
+}  // namespace
+
 std::string homeFolder() {
   const char* home = std::getenv("HOME");
   if (home == nullptr || *home == '\0') {
@@ -51,8 +52,6 @@ std::string homeFolder() {
   const std::filesystem::path absolute = std::filesystem::absolute(home, error);
   return error ? "" : absolute.native();
 }
-
-}  // namespace
 
 int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) {
   raiseOpenFileLimit();

@@ -24,6 +24,9 @@ std::unique_ptr<Keychain> makeOfflineKeychain(const FileManager& files);
 /// in a build without sd-bus, nothing happens; nothing waits longer than a second.
 std::unique_ptr<UserNotificationCenter> makeDesktopNotifications();
 
+/// `$HOME` as an absolute path; empty when it is empty or not set.
+std::string homeFolder();
+
 /// Runs the application over the home folder `$HOME`: makes the delegate, wakes it and launches
 /// it. Answers the exit status of a run that did not terminate by itself: `kHardErrorStatus` after
 /// a `HardError` or any other exception, else 0.
