@@ -20,7 +20,7 @@ struct InternetPassword {
 /// `bytes`, up to the end of the table.
 struct KeychainRecords {
   std::string_view bytes;
-  std::uint32_t count = 0;
+  std::uint32_t count;
 };
 
 /// The internet passwords of a keychain database ("kych"), read one after another.
@@ -38,7 +38,7 @@ class KeychainFile {
  private:
   bool readRelation(KeychainRecords attributes);
 
-  KeychainRecords passwords_;
+  KeychainRecords passwords_{};
   /// How many attributes an internet password has, and which of them these are.
   std::size_t attributes_ = 0;
   std::optional<std::size_t> account_;
