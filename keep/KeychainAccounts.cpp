@@ -11,19 +11,6 @@ constexpr const char* kErrorDomain = "com.marrowgatestudios.Tasselby";
 
 }  // namespace
 
-WorkerExtras::Accounts WorkerExtras::allAccounts(const Keychain& keychain) {
-  return accountsForService_error(keychain, std::nullopt, nullptr);
-}
-
-WorkerExtras::Accounts WorkerExtras::allAccounts(const Keychain& keychain, KeychainError* error) {
-  return accountsForService_error(keychain, std::nullopt, error);
-}
-
-WorkerExtras::Accounts WorkerExtras::accountsForService(const Keychain& keychain,
-                                                        const std::optional<std::string>& service) {
-  return accountsForService_error(keychain, service, nullptr);
-}
-
 WorkerExtras::Accounts WorkerExtras::accountsForService_error(
     const Keychain& keychain, const std::optional<std::string>& service, KeychainError* error) {
   KeychainQuery query = _queryForService_account(service, std::nullopt);
@@ -41,10 +28,7 @@ WorkerExtras::Accounts WorkerExtras::accountsForService_error(
 
 KeychainQuery WorkerExtras::_queryForService_account(const std::optional<std::string>& service,
                                                      const std::optional<std::string>& account) {
-  KeychainQuery query;
-  query.service = service;
-  query.account = account;
-  return query;
+  return {.service = service, .account = account};
 }
 
 }  // namespace tasselby

@@ -31,12 +31,16 @@ class WorkerExtras {
 
   /// The attributes of every internet password in `keychain`. A failed search fills `error`, where
   /// one is given.
-  static Accounts allAccounts(const Keychain& keychain);
-  static Accounts allAccounts(const Keychain& keychain, KeychainError* error);
+  static Accounts allAccounts(const Keychain& keychain) { return allAccounts(keychain, nullptr); }
+  static Accounts allAccounts(const Keychain& keychain, KeychainError* error) {
+    return accountsForService_error(keychain, std::nullopt, error);
+  }
 
   /// The same, for `service` only where one is given.
   static Accounts accountsForService(const Keychain& keychain,
-                                     const std::optional<std::string>& service);
+                                     const std::optional<std::string>& service) {
+    return accountsForService_error(keychain, service, nullptr);
+  }
   static Accounts accountsForService_error(const Keychain& keychain,
                                            const std::optional<std::string>& service,
                                            KeychainError* error);

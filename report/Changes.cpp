@@ -25,6 +25,8 @@ constexpr std::array<std::string_view, 8> kStores = {
     "Cookies",      "cookies.sqlite",    "Cookies.binarycookies", "Origin Bound Certs",
     "Databases.db", "StorageTracker.db", "webappsstore.sqlite",   "signons.sqlite"};
 
+constexpr const char* kCookies = "cookies";
+constexpr const char* kRows = "rows";
 constexpr const char* kNotKept = "not kept";
 constexpr const char* kNeverKept = "never kept";
 
@@ -34,42 +36,31 @@ struct Table {
   const char* query;
   const char* unit;
   const char* why;
-  /// Why a row of a kept site goes.
-  const char* whyThough;
 };
 
-constexpr std::array<Table, 7> kTables = {{
-    {"", "cookies", kNotKept, "tracking"},
-    {"SELECT host_key AS host, CAST(\"name\" AS TEXT) AS name FROM cookies;", "cookies", kNotKept,
-     "tracking"},
-    {"SELECT host, CAST(\"name\" AS TEXT) AS name FROM moz_cookies;", "cookies", kNotKept,
-     "tracking"},
-    {"SELECT origin AS host FROM origin_bound_certs;", "rows", kNotKept, kNotKept},
-    {"SELECT origin AS host FROM Databases;", "rows", kNeverKept, kNeverKept},
-    {"SELECT origin AS host FROM Origins;", "rows", kNotKept, kNotKept},
-    {"SELECT scope AS host, CAST(\"key\" AS TEXT) AS name FROM webappsstore2;", "rows", kNotKept,
-     kNotKept},
+constexpr std::array<Table, 6> kTables = {{
+    {"SELECT host_key AS host, CAST(\"name\" AS TEXT) AS name FROM cookies;", kCookies, kNotKept},
+    {"SELECT host, CAST(\"name\" AS TEXT) AS name FROM moz_cookies;", kCookies, kNotKept},
+    {"SELECT origin AS host FROM origin_bound_certs;", kRows, kNotKept},
+    {"SELECT origin AS host FROM Databases;", kRows, kNeverKept},
+    {"SELECT origin AS host FROM Origins;", kRows, kNotKept},
+    {"SELECT scope AS host, CAST(\"key\" AS TEXT) AS name FROM webappsstore2;", kRows, kNotKept},
 }};
-
-constexpr std::string_view kCookieFileStart = "cook";
-constexpr std::size_t kCookieFileLimit = std::size_t{64} << 20;
 
 /// Reads the cookies and rows in the store at `path`, sorted, and sets `unit`. SQLite may write
 /// beside the store.
 std::vector<Item> rowsOf(const std::string& path, const KeepList& keepList, std::string& unit) {
   std::vector<Item> rows;
-  const auto add = [&](const Table& table, std::string host, std::string name) {
+  const auto add = [&](const char* what, const char* why, std::string host, std::string name) {
     const bool kept = keepList.contains(WorkerExtras::siteWithDomainName(host));
-    rows.push_back({std::move(host), std::move(name), kept ? table.whyThough : table.why});
-    unit = table.unit;
+    rows.push_back({std::move(host), std::move(name), kept && what == kCookies ? "tracking" : why});
+    unit = what;
   };
-  std::string start(kCookieFileStart.size(), '\0');
-  std::ifstream(path, std::ios::binary).read(start.data(), std::ssize(start));
-  if (start == kCookieFileStart) {
-    const auto file = FileManager("").contentsOfFile(path, kCookieFileLimit).value_or("");
-    for (const BinaryCookie& cookie : parseBinaryCookies(file).cookies) {
-      add(kTables[0], std::string(cookie.domain), std::string(cookie.name));
-    }
+  const bool isCookieFile = path.ends_with(".binarycookies");
+  const auto file =
+      FileManager("").contentsOfFile(isCookieFile ? path : "", kFileLimit).value_or("");
+  for (const BinaryCookie& cookie : parseBinaryCookies(file).cookies) {
+    add(kCookies, kNotKept, std::string(cookie.domain), std::string(cookie.name));
   }
   Sqlite database;
   database.open(path);
@@ -77,7 +68,7 @@ std::vector<Item> rowsOf(const std::string& path, const KeepList& keepList, std:
     for (const Row& row : database.executeQuery(table.query).value_or(RowList{})) {
       const std::string* host = row.text("host");
       const std::string* name = row.text("name");
-      add(table, host != nullptr ? *host : "", name != nullptr ? *name : "");
+      add(table.unit, table.why, host != nullptr ? *host : "", name != nullptr ? *name : "");
     }
   }
   std::ranges::sort(rows);
@@ -130,13 +121,10 @@ void addFiles(std::vector<Item>& gone, const std::string& path, const Paths& rem
 }
 
 std::size_t namesLeft(const std::string& folder, const Paths& removed) {
-  std::size_t left = 0;
-  std::error_code error;
-  fs::directory_iterator item(isGone(removed, folder) ? "" : folder, error);
-  for (; !error && item != end(item); item.increment(error)) {
-    left += removed.contains(item->path().native()) ? 0 : 1;
-  }
-  return left;
+  auto names = FileManager("").contentsOfDirectoryAtPath(isGone(removed, folder) ? "" : folder);
+  std::erase_if(names,
+                [&](const std::string& name) { return removed.contains(join(folder, name)); });
+  return names.size();
 }
 
 }  // namespace

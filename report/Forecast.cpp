@@ -157,16 +157,14 @@ std::string StandIn::storeAt(const std::string& path, const std::string& item) c
   return fs::exists(copy, error) ? copy : item;
 }
 
-/// Where the delegate's run ends.
-struct Terminated {};
-
-/// What the system is to the run, apart from its files. The report is kept here.
+/// What the system is to the run, apart from its files. The report is kept here, and the last thing
+/// that a run does, to end the process, returns.
 class ForecastSystem final : public Application, public Bundle, public UserNotificationCenter {
  public:
   explicit ForecastSystem(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
 
   std::vector<std::string> arguments() const override { return arguments_; }
-  void terminate() override { throw Terminated(); }
+  void terminate() override {}
   std::string localizedString(const std::string& key, const std::string& /*value*/) const override {
     return key;
   }
@@ -217,7 +215,6 @@ RunResult forecast(std::vector<std::string> arguments, const FileManager& files,
   }
   try {
     worker.applicationDidFinishLaunching();
-  } catch (const Terminated&) {
     result.report = system.report;
   } catch (const HardError& error) {
     result.endedAt = standIn.realPath(error.at());

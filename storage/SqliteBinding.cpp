@@ -25,9 +25,7 @@ struct Binder {
   void operator()(bool flag) const { sqlite3_bind_int(statement, column, flag ? 1 : 0); }
   void operator()(int number) const { sqlite3_bind_int64(statement, column, number); }
   void operator()(std::int64_t number) const { sqlite3_bind_int64(statement, column, number); }
-  void operator()(float number) const {
-    sqlite3_bind_double(statement, column, static_cast<double>(number));
-  }
+  void operator()(float number) const { (*this)(double{number}); }
   void operator()(double number) const { sqlite3_bind_double(statement, column, number); }
   void operator()(std::uint64_t number) const {
     sqlite3_bind_text(statement, column, std::to_string(number).c_str(), -1, SQLITE_TRANSIENT);

@@ -56,15 +56,13 @@ std::string asideOf(const std::string& path) {
 /// The site of the store at `store`; no value when the store is gone.
 std::optional<std::string> siteOf(const FileManager& files, const std::string& store) {
   std::optional<std::string> identity = files.textOfFile(join(store, kIdentity));
-  for (const bool again : {true, false}) {
-    if (!identity && !files.hasItemAtPath(store)) {
-      // Another worker was here since the stores were listed.
-      return std::nullopt;
-    }
-    if (!identity && again) {
-      std::this_thread::sleep_for(kMoment);
-      identity = files.textOfFile(join(store, kIdentity));
-    }
+  if (!identity && files.hasItemAtPath(store)) {
+    std::this_thread::sleep_for(kMoment);
+    identity = files.textOfFile(join(store, kIdentity));
+  }
+  if (!identity && !files.hasItemAtPath(store)) {
+    // Another worker was here since the stores were listed.
+    return std::nullopt;
   }
   std::optional<std::string> site = WorkerExtras::siteWithDomainName(identity);
   if (!site) {

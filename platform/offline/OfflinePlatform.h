@@ -13,7 +13,7 @@ namespace tasselby {
 /// Preferences from the argument domain in `arguments` (`-key value`), then the worker's own plist
 /// and those of the added suites in `~/Library/Preferences`. Files are read at the first
 /// `boolForKey`, once, and never written. `files` must outlive the answer.
-std::unique_ptr<UserDefaults> makeOfflineUserDefaults(std::vector<std::string> arguments,
+std::unique_ptr<UserDefaults> makeOfflineUserDefaults(const std::vector<std::string>& arguments,
                                                       const FileManager& files);
 
 /// The internet passwords of `~/Library/Keychains/login.keychain-db`, else `login.keychain`.

@@ -18,14 +18,14 @@ constexpr const char* kOwnDomain = "com.marrowgatestudios.Tasselby.Worker";
 
 class OfflineUserDefaults final : public UserDefaults {
  public:
-  OfflineUserDefaults(std::vector<std::string> arguments, const FileManager& files)
-      : arguments_(std::move(arguments)), files_(files) {}
+  OfflineUserDefaults(const std::vector<std::string>& arguments, const FileManager& files)
+      : argumentDomain_(argumentDomain(arguments)), files_(files) {}
 
   void addSuiteNamed(const std::string& suite) override { unread_.push_back(suite); }
 
   bool boolForKey(const std::string& key) const override {
     readDomains();
-    if (const auto argument = argumentDomain_->find(key); argument != argumentDomain_->end()) {
+    if (const auto argument = argumentDomain_.find(key); argument != argumentDomain_.end()) {
       return argument->second;
     }
     // Deliberate: the first domain that has the key decides, though its value be no boolean.
@@ -41,9 +41,6 @@ class OfflineUserDefaults final : public UserDefaults {
   /// Reads what has not been read yet: at the first question all, afterwards only suites added
   /// since. A file that cannot be read is no domain.
   void readDomains() const {
-    if (!argumentDomain_) {
-      argumentDomain_ = argumentDomain(arguments_);
-    }
     for (const std::string& name : unread_) {
       const std::string path = files_.expandTilde("~/Library/Preferences/" + name + ".plist");
       if (std::optional<std::string> list = files_.contentsOfFile(path, kFileLimit)) {
@@ -53,20 +50,19 @@ class OfflineUserDefaults final : public UserDefaults {
     unread_.clear();
   }
 
-  std::vector<std::string> arguments_;
+  std::map<std::string, bool> argumentDomain_;
   const FileManager& files_;
   /// The names of the domains whose files have not been read.
   mutable std::vector<std::string> unread_ = {kOwnDomain};
   /// The property lists that were read, in search order.
   mutable std::vector<std::string> domains_;
-  mutable std::optional<std::map<std::string, bool>> argumentDomain_;
 };
 
 }  // namespace
 
-std::unique_ptr<UserDefaults> makeOfflineUserDefaults(std::vector<std::string> arguments,
+std::unique_ptr<UserDefaults> makeOfflineUserDefaults(const std::vector<std::string>& arguments,
                                                       const FileManager& files) {
-  return std::make_unique<OfflineUserDefaults>(std::move(arguments), files);
+  return std::make_unique<OfflineUserDefaults>(arguments, files);
 }
 
 }  // namespace tasselby
