@@ -2,7 +2,6 @@
 #include <sys/stat.h>
 
 #include "keep/WorkerExtras.h"
-#include "platform/BinaryCookies.h"
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
 #include "tests/support/WorkerTest.h"
@@ -16,15 +15,7 @@ const std::string kContainer = "Library/Containers/com.apple.Safari/Data/";
 const std::vector<SampleCookie> kFour = {
     {".a.test", "0"}, {".a.test", "1"}, {"b.test", "2"}, {"b.test", "3"}};
 
-struct Offline : WorkerTest {
-  /// Deletes the cookies at `places` of the storage's.
-  void remove(const std::vector<std::size_t>& places) {
-    const std::vector<HTTPCookie> cookies = cookieStorage->cookies();
-    for (const std::size_t place : places) {
-      cookieStorage->deleteCookie(cookies.at(place));
-    }
-  }
-};
+using Offline = WorkerTest;
 
 TEST_F(Offline, KeychainAnswersOnlyValuesThatTheSystemKnows) {
   std::vector<SavedPassword> saved = {{.server = "", .account = ""}, {.server = "\xFF.test"}};
@@ -59,35 +50,40 @@ TEST_F(Offline, ReadsTheOlderKeychainOnlyWithoutANewerOne) {
   EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "damaged";
 }
 
-TEST_F(Offline, CookieFileBehindALinkIsRewrittenOnceAndKeepsItsMode) {
+TEST_F(Offline, CookiesGoByTheirBytesAtOnceAndBehindALink) {
   home.file("real/file", binaryCookieFile(kFour)).link(kCookies, "../../real/file");
   home.link(kContainer + "Library/Cookies", home.path("Library/Cookies"));
   ::chmod(home.path(kCookies).c_str(), 0640);
   const std::vector<HTTPCookie> cookies = cookieStorage->cookies();
-  EXPECT_EQ(cookies.size(), 4U) << "one file behind both paths";
-  remove({2, 0, 3});
+  ASSERT_EQ(cookies.size(), 4U) << "one file behind both paths";
+  for (const std::size_t place : {0U, 1U, 1U, 3U}) {
+    cookieStorage->deleteCookie(cookies[place]);
+  }
   EXPECT_EQ(home.contents(kCookies), binaryCookieFile(kFour)) << "deletions are gathered";
+  const SampleCookie later = {"b.test", "later"};
+  home.file("real/file", binaryCookieFile({kFour[1], later, kFour[1], kFour[0], kFour[2]}));
   cookieStorage->synchronize();
-  fs::create_hard_link(home.path("real/file"), home.path("witness"));
-  cookieStorage->deleteCookie(cookies[2]);
-  cookieStorage->synchronize();
-  EXPECT_EQ(fs::hard_link_count(home.path(kCookies)), 2U) << "one already gone writes nothing";
+  const std::string left = binaryCookieFile({kFour[1], later, kFour[2]});
+  EXPECT_EQ(home.contents(kCookies), left) << "of two identical records one went";
   EXPECT_EQ(fs::status(home.path(kCookies)).permissions(), fs::perms{0640});
   EXPECT_TRUE(fs::is_symlink(home.path(kCookies)));
-  EXPECT_EQ(home.list("real"), Names{"file"});
+  fs::create_hard_link(home.path("real/file"), home.path("real/same"));
+  cookieStorage->deleteCookie(cookies[3]);
+  cookieStorage->synchronize();
+  EXPECT_EQ(fs::hard_link_count(home.path(kCookies)), 2U) << "one already gone writes nothing";
+  EXPECT_EQ(home.list("real"), (Names{"file", "same"}));
 }
 
-TEST_F(Offline, CookiesGoByTheirBytesFromSoundFilesOnly) {
+TEST_F(Offline, NeverWritesADamagedCookieFile) {
   std::string damaged = binaryCookieFile(kFour);
   damaged[20] = '\x7f';  // The first page's number of records.
-  home.file(kCookies, binaryCookieFile(kFour)).file(kContainer + kCookies, damaged);
-  remove({0, 1, 1, 3, 4, 5});
-  const SampleCookie later = {"b.test", "later"};
-  home.file(kCookies, binaryCookieFile({kFour[1], later, kFour[1], kFour[0], kFour[2]}));
+  home.file(kContainer + kCookies, damaged).file(kCookies, binaryCookieFile(kFour));
+  for (const HTTPCookie& cookie : cookieStorage->cookies()) {
+    cookieStorage->deleteCookie(cookie);
+  }
   cookieStorage->synchronize();
-  EXPECT_EQ(home.contents(kCookies), binaryCookieFile({kFour[1], later, kFour[2]}))
-      << "of two identical records one went";
   EXPECT_EQ(home.contents(kContainer + kCookies), damaged);
+  EXPECT_EQ(home.contents(kCookies).size(), 48U) << "two empty pages";
 }
 
 TEST_F(Offline, FirstReadablePreferencesThatHaveTheKeyDecideAndAreReadOnce) {

