@@ -68,9 +68,9 @@ MacHome MacHome::copyTo(const fs::path& volume) const {
 }
 
 bool SampleItem::goesFor(const std::string& browser, bool removeAll) const {
-  const auto letter =
-      static_cast<std::size_t>(std::ranges::find(kEveryBrowser, browser) - kEveryBrowser.begin());
-  return (!is('k') || removeAll) && (is('*') || is("SWGCKFO"[letter]));
+  const auto number = std::ranges::find(kEveryBrowser, browser) - kEveryBrowser.begin();
+  const char letter = "SWGCKFO"[number];
+  return letter != 0 && (is('*') || is(letter)) && (!is('k') || removeAll);
 }
 
 void MacHome::writeFile(const std::string& path, const std::string& contents) const {

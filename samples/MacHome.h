@@ -27,7 +27,8 @@ struct SampleItem {
 
   bool is(char letter) const { return fate.find(letter) != fate.npos; }
 
-  /// Whether it goes in a run for `browser`, or in one that keeps no site.
+  /// Whether it goes in a run for `browser`, or in one that keeps no site. For another name none
+  /// does.
   bool goesFor(const std::string& browser, bool removeAll = false) const;
 };
 

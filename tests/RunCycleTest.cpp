@@ -5,67 +5,53 @@
 namespace tasselby {
 namespace {
 
-class RunCycleTest : public WorkerTest {
- protected:
-  WorkerAppDelegate workerAtVersion(double version) {
-    Platform other = platform;
-    other.coreFoundationVersionNumber = version;
-    return WorkerAppDelegate(other);
-  }
-};
+using RunCycleTest = WorkerTest;
 
 TEST_F(RunCycleTest, TakesTheFirstArgumentThatIsABrowser) {
-  recorder.given = {"/worker", "-x", "Firefox", "Safari"};
-  EXPECT_EQ(worker.startupCheck(), "Firefox");
-  recorder.given = {"Opera", "Firefox"};
-  EXPECT_EQ(worker.startupCheck(), "Opera");
-  for (const char* refused : {"safari", "Chrome", "Safari ", ""}) {
-    recorder.given = {"/worker", refused};
-    EXPECT_THROW(worker.startupCheck(), Terminated) << refused;
-    EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated) << refused;
+  for (const auto& [arguments, browser] : std::map<Names, std::string>{
+           {{"/worker", "-x", "Firefox", "Safari"}, "Firefox"}, {{"Opera", "Firefox"}, "Opera"}}) {
+    recorder.given = arguments;
+    EXPECT_EQ(worker.startupCheck(), browser);
   }
-  EXPECT_TRUE(recorder.scheduled.empty());
-  recorder = {};
+  recorder.given = {"/worker", "Safari "};
+  EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated);
   recorder.goesOn = true;
   worker.applicationDidFinishLaunching();
-  EXPECT_EQ(recorder.terminations, 3) << "nothing but termination stops a refused start";
+  EXPECT_EQ(recorder.terminations, 4) << "nothing but termination stops a refused start";
 }
 
-TEST_F(RunCycleTest, ReportsInTheSubtitleOnlyWhenAsked) {
+TEST_F(RunCycleTest, ReportsInTheSubtitleWhenThePreferenceAndTheSystemsVersionAllow) {
   recorder.given = {"/worker", "WebKit"};
-  EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated);
-  EXPECT_TRUE(recorder.scheduled.empty());
-
-  recorder.on = {"displayNotifications"};
-  EXPECT_THROW(worker.applicationDidFinishLaunching(), Terminated);
-  ASSERT_EQ(recorder.scheduled.size(), 1U);
-  const UserNotification& notification = recorder.scheduled[0];
-  EXPECT_EQ(notification.title, "Tasselby");
-  EXPECT_EQ(
-      notification.subtitle,
-      "0 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache removed "
-      "from WebKit");
-  EXPECT_EQ(notification.informativeText, "");
-  EXPECT_FALSE(notification.hasActionButton);
-  EXPECT_FALSE(notification.soundName);
-}
-
-TEST_F(RunCycleTest, AsksTheSystemsVersionAndThePreferenceBeforePosting) {
-  worker.displayNotificationWithTitle_andText("title", "text");
+  recorder.goesOn = true;
+  worker.applicationDidFinishLaunching();
   recorder.on = {"displayNotifications"};
   for (const double version : {743.9, std::nan("")}) {
-    WorkerAppDelegate old = workerAtVersion(version);
+    Platform older = platform;
+    older.coreFoundationVersionNumber = version;
+    WorkerAppDelegate old(older);
     old.awakeFromNib();
-    old.displayNotificationWithTitle_andText("title", "text");
+    old.applicationDidFinishLaunching();
   }
   EXPECT_EQ(recorder.delegate, nullptr);
   EXPECT_TRUE(recorder.scheduled.empty());
 
   worker.awakeFromNib();
-  worker.displayNotificationWithTitle_andText("title", "text");
+  worker.applicationDidFinishLaunching();
   EXPECT_EQ(recorder.delegate, &worker);
+  EXPECT_EQ(recorder.suites, Names(3, "com.marrowgatestudios.Tasselby"));
+  ASSERT_EQ(recorder.scheduled.size(), 1U);
+  const UserNotification& notification = recorder.scheduled[0];
+  EXPECT_EQ(notification.title, "Tasselby");
+  EXPECT_EQ(notification.subtitle,
+            "0 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache "
+            "removed from WebKit");
+  EXPECT_EQ(notification.informativeText, "");
+  EXPECT_FALSE(notification.hasActionButton);
+  EXPECT_FALSE(notification.soundName);
+  // The preference is asked again where it is posted.
+  recorder.on = {};
+  worker.displayNotificationWithTitle_andText("title", "text");
   EXPECT_EQ(recorder.scheduled.size(), 1U);
-  EXPECT_EQ(recorder.suites, std::vector<std::string>(3, "com.marrowgatestudios.Tasselby"));
 }
 
 TEST_F(RunCycleTest, AnswersTheNotificationCentre) {

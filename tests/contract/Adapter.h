@@ -5,14 +5,10 @@
 #include <vector>
 
 #include "platform/Platform.h"
-#include "samples/ScratchHome.h"
 
 namespace tasselby {
 
 /// The adapter under test. A test program has one of the two, over the home folder `$HOME`.
-
-/// Gives the adapter's own keychain the passwords that `home` has as a plain file.
-void prepareAdapter(ScratchHome& home);
 
 /// Makes the delegate over the adapter and launches it, as the adapter's main routine does.
 void runAdapter(int argc, char** argv, DelegateFactory makeDelegate);

@@ -5,6 +5,7 @@
 
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
+#include "samples/ScratchHome.h"
 #include "tests/contract/Adapter.h"
 
 namespace tasselby {
@@ -63,7 +64,6 @@ struct AdapterContract : ::testing::Test {
         .file(kOldCookies, binaryCookieFile({kFirst, kSecond, kThird}))
         .file(kCookies, binaryCookieFile({kThird, kSecond}));
     ::setenv("HOME", home.home().c_str(), 1);
-    prepareAdapter(home);
   }
 
   ScratchHome home;

@@ -6,8 +6,6 @@
 
 namespace tasselby {
 
-void prepareAdapter(ScratchHome& /*home*/) {}
-
 void runAdapter(int argc, char** argv, DelegateFactory makeDelegate) {
   offlineApplicationMain(argc, argv, makeDelegate);
 }

@@ -42,7 +42,6 @@ class RemovingDelegate final : public UserNotificationCenterDelegate {
 
 TEST(MacNotificationCenter, AsksTheDelegateAndRemovesTheNotificationClicked) {
   ScratchHome home;
-  home.folder("GNUstep");
   ::setenv("HOME", home.home().c_str(), 1);
   RemovingDelegate delegate;
   const auto center = makeMacNotificationCenter();
@@ -54,7 +53,7 @@ TEST(MacNotificationCenter, AsksTheDelegateAndRemovesTheNotificationClicked) {
     center->scheduleNotification(notification);
   }
   [[NSUserNotificationCenter defaultUserNotificationCenter] clickFirst];
-  EXPECT_EQ(home.contents("GNUstep/Notifications"),
+  EXPECT_EQ(home.contents("GNUstep Notifications"),
             "second||(null)|1|Ping|0\nfirst||(null)|1|Ping|1\n");
 }
 

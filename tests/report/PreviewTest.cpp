@@ -1,195 +1,143 @@
-// What a preview announces is what a run then does, item by item, and nothing changes for it.
-#include <algorithm>
-#include <array>
-#include <csignal>
-#include <cstdint>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <iterator>
+// What a preview announces is the fate of each item, which a run is held to as well, and nothing
+// changes for it.
 #include <nlohmann/json.hpp>
-#include <set>
-#include <sqlite3.h>
-#include <string>
 #include <sys/stat.h>
-#include <sys/time.h>
-#include <sys/wait.h>
 #include <tuple>
-#include <unistd.h>
-#include <vector>
 
-#include "platform/BinaryCookies.h"
-#include "platform/FileManager.h"
-#include "samples/NotificationBus.h"
-#include "samples/RunWorker.h"
+#include "tests/support/Fates.h"
 #include "tests/support/OddHome.h"
 
 namespace tasselby {
 namespace {
 
-namespace fs = std::filesystem;
 using Json = nlohmann::json;
 using Things = std::multiset<std::string>;
 
-const std::string kSupport = "Library/Application Support/";
-
-/// Host and name of whatever a run can delete from a database.
-const std::vector<std::string> kQueries = {"host_key || ' ' || ifnull(name, '') FROM cookies",
-                                           "host || ' ' || ifnull(name, '') FROM moz_cookies",
-                                           "origin || ' ' FROM origin_bound_certs",
-                                           "origin || ' ' FROM Databases",
-                                           "origin || ' ' FROM Origins",
-                                           "scope || ' ' || ifnull(key, '') FROM webappsstore2"};
-
-/// The cookies and rows in the file at `path`. SQLite writes beside it.
-Things rowsIn(const std::string& path) {
-  Things rows;
-  const std::string bytes = FileManager("").contentsOfFile(path, SIZE_MAX).value_or("");
-  for (const BinaryCookie& cookie : parseBinaryCookies(bytes).cookies) {
-    rows.insert(std::string(cookie.domain).append(" ").append(cookie.name));
-  }
-  sqlite3* database = nullptr;
-  if (bytes.starts_with("SQLite format 3")) {
-    sqlite3_open(path.c_str(), &database);
-  }
-  const auto add = [](void* to, int, char** values, char**) {
-    static_cast<Things*>(to)->insert(values[0] == nullptr ? "" : values[0]);
-    return 0;
-  };
-  for (const std::string& query : kQueries) {
-    sqlite3_exec(database, ("SELECT " + query).c_str(), add, &rows, nullptr);
-  }
-  sqlite3_close(database);
-  return rows;
-}
-
-/// Every file on `volume`, and "\n" with every cookie and row of those that are no links.
-Things thingsOn(const std::string& volume) {
-  Things paths;
-  for (const auto& entry : fs::recursive_directory_iterator(volume)) {
-    const std::string path = entry.path().native();
-    if (!fs::is_directory(entry.symlink_status()) && path.find(".sqlite-") == path.npos) {
-      paths.insert(path);
-    }
-  }
-  Things things = paths;
-  for (const std::string& path : paths) {
-    for (const std::string& row : fs::is_symlink(path) ? Things() : rowsIn(path)) {
-      things.insert(std::string(path).append("\n").append(row));
-    }
-  }
-  return things;
-}
-
-/// The names, contents and times of change of all there is on `home`'s volume.
-Things stateOf(const ScratchHome& home) {
+/// The names, contents and times of change of all there is on `volume`.
+Things stateOf(const std::string& volume) {
   Things state;
-  for (const auto& [path, contents] : home.snapshot()) {
+  for (const auto& [path, contents] : snapshotOf(volume)) {
     struct stat status{};
-    ::lstat((home.volume() + "/" + path).c_str(), &status);
+    ::lstat((volume + "/" + path).c_str(), &status);
     state.insert(path + contents + std::to_string(status.st_mtime) + " " +
                  std::to_string(status.st_ctime) + " " + std::to_string(status.st_ino));
   }
   return state;
 }
 
-Things without(const Things& some, const Things& others) {
-  Things left;
-  std::ranges::set_difference(some, others, std::inserter(left, left.end()));
-  return left;
-}
-
-class Preview : public ::testing::TestWithParam<std::tuple<const char*, const char*>> {
+class Preview : public ::testing::TestWithParam<std::tuple<std::string, const char*>> {
  protected:
-  WorkerRun preview(std::vector<std::string> arguments, const std::string& home,
-                    const std::string& folder) {
-    arguments.insert(arguments.begin(), {"/usr/bin/env", "TMPDIR=" + folder, PREVIEW_BINARY});
-    return runWorker(arguments, home, bus.address(), odd.workingFolder());
+  WorkerRun preview(const Names& arguments, const std::string& home, const std::string& folder,
+                    const Names& by = {}) const {
+    Names command = {"/usr/bin/env", "TMPDIR=" + folder};
+    command.insert(command.end(), by.begin(), by.end());
+    command.emplace_back(PREVIEW_BINARY);
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return runWorker(command, home, "", home.empty() ? "." : home + "/../..");
   }
 
-  /// Expects that a preview changes nothing, and that a run does what it says. Answers what the run
-  /// is to end hard at.
-  std::string endOfForeseen(std::vector<std::string> arguments) {
-    const Things before = stateOf(odd.scratch);
-    arguments.insert(arguments.begin(), "--json");
-    const WorkerRun shown = preview(arguments, odd.home.home(), scratch.volume());
-    EXPECT_EQ(stateOf(odd.scratch), before);
-    const Json json = Json::parse(shown.output);
-    const std::string volume = fs::canonical(odd.home.volume()).native();
+  /// What a preview of `home` shows. Expects that it changes nothing.
+  Json shown(const MacHome& home, const std::string& browser, const std::string& preference) const {
+    const Things before = stateOf(home.volume());
+    const Names arguments = {"--json", browser, preference, "YES"};
+    const WorkerRun run = preview(arguments, home.home(), scratch.volume());
+    EXPECT_EQ(stateOf(home.volume()), before);
+    const Json json = Json::parse(run.output);
+    EXPECT_EQ(run.status, json["endsHardAt"] == "" ? 0 : 70);
+    return json;
+  }
+
+  /// Expects `json` to announce the items that go, those alone, and each once.
+  void expectAnnounced(const MacHome& home, const Json& json, const std::string& browser,
+                       const std::string& preference) const {
+    // Files by their path; cookies and rows by that of their store, with what they hold.
+    Things files;
+    std::multimap<std::string, std::string> rows;
+    const auto contents = home.contents();
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+      const SampleItem& item = home.items()[i];
+      const bool stays = preference == "-secureDeleteData" && (item.is('s') || item.is('w'));
+      if (item.goesFor(browser, preference == "-removeAll") && !stays) {
+        item.key.empty() ? void(files.insert(home.path(item.path)))
+                         : void(rows.emplace(home.path(item.path), *contents[i]));
+      }
+    }
     Things announced;
     for (const Json& place : json["places"]) {
+      const bool isStore = place["unit"] != "files";
       for (const Json& item : place["items"]) {
         const std::string what = item["what"];
-        if (place["unit"] != "files") {
-          announced.insert(std::string(place["path"]) + "\n" + what + " " +
-                           std::string(item["name"]));
-        } else if (!fs::is_directory(fs::symlink_status(what))) {
+        if (!isStore && !fs::is_directory(fs::symlink_status(what))) {
           announced.insert(what);
+        } else if (isStore) {
+          const auto [first, last] = rows.equal_range(place["path"]);
+          const auto row = std::find_if(first, last, [&](const auto& one) {
+            return one.second.find(what) != std::string::npos &&
+                   one.second.find(item["name"]) != std::string::npos;
+          });
+          ASSERT_TRUE(row != last) << place["path"] << " " << item;
+          rows.erase(row);
         }
       }
     }
-    const Things things = thingsOn(volume);
-    arguments[0] = WORKER_BINARY;
-    arguments.insert(arguments.end(), {"-displayNotifications", "YES"});
-    EXPECT_EQ(runWorker(arguments, odd.home.home(), bus.address(), odd.workingFolder()).status,
-              shown.status);
-    const Things after = thingsOn(volume);
-    Things gone = without(things, after);
-    std::erase_if(gone, [&](const std::string& thing) {
-      // The rows of a file that went are no more than the file.
-      return thing.find('\n') != thing.npos && !after.contains(thing.substr(0, thing.find('\n')));
-    });
-    EXPECT_EQ(without(announced, gone), Things()) << "announced, and still there";
-    EXPECT_EQ(without(gone, announced), Things()) << "gone unannounced";
-    EXPECT_EQ(json["report"], bus.received().empty() ? "" : bus.received().back().body);
-    return json["endsHardAt"];
+    EXPECT_EQ(announced, files);
+    EXPECT_TRUE(rows.empty()) << rows.begin()->first << " " << rows.begin()->second;
   }
 
   ~Preview() override { EXPECT_EQ(scratch.list("../.."), Names{"Users"}) << "left behind"; }
 
-  OddHome odd;
   ScratchHome scratch;
-  NotificationBus bus;
 };
 
 TEST_P(Preview, AnnouncesWhatARunRemoves) {
+  const OddHome odd;
   const auto& [browser, preference] = GetParam();
-  EXPECT_EQ(endOfForeseen({browser, preference, "YES"}), "");
+  const Json json = shown(odd.home, browser, preference);
+  expectAnnounced(odd.home, json, browser, preference);
+  EXPECT_EQ(json["report"], odd.report(browser, preference == std::string("-removeAll")));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, Preview,
-    ::testing::Combine(::testing::Values("Safari", "WebKit", "Google Chrome", "Chromium", "Camino",
-                                         "Firefox", "Opera"),
-                       ::testing::Values("-x", "-removeAll", "-secureDeleteData")));
+INSTANTIATE_TEST_SUITE_P(All, Preview,
+                         ::testing::Combine(::testing::ValuesIn(kEveryBrowser),
+                                            ::testing::Values("-x", "-removeAll",
+                                                              "-secureDeleteData")));
 
-using OddPreview = Preview;
+constexpr const char* kLinks = R"(
+= Library/Application Support/Google/Chrome/
+G Default/Application Cache > ../../../../cache
+G ../../../cache/GPUCache/file
++ Default/Cookies: cookies (host_key, name, creation_utc INTEGER)
+G Default/Cookies: cookies: 'gone.example', 'a', 1; 'gone.example', 'b', 2
+- Profile 1/Cookies > ../Default/Cookies
+= Library/
+S Cookies/Cookies.binarycookies: 'gone.example', 'a'
+- Containers/com.apple.Safari/Data/Library/Cookies > ../../../../Cookies
+)";
 
-TEST_F(OddPreview, FollowsLinksAndFindsNothingBelowWhatIsGone) {
-  const std::string chrome = kSupport + "Google/Chrome/";
-  const std::string container = "Library/Containers/com.apple.Safari/Data/Library/Cookies";
-  for (const std::string& path :
-       {chrome + "Profile 1/Application Cache", chrome + "Profile 1/Cookies", container}) {
-    fs::remove_all(odd.scratch.path(path));
+TEST_F(Preview, FollowsLinksAndFindsNothingBelowWhatIsGone) {
+  for (const char* browser : {"Google Chrome", "Safari"}) {
+    const ScratchHome volume;
+    MacHome home(volume.volume(), 0);
+    home.add(kLinks);
+    expectAnnounced(home, shown(home, browser, "-x"), browser, "-x");
+    const Fates fates(home);
+    EXPECT_EQ(runWorker({WORKER_BINARY, browser}, home.home()).status, 0);
+    fates.expectMet(browser, false, false);
   }
-  odd.scratch.link(chrome + "Profile 1/Application Cache", "../../../../cache")
-      .file("Library/cache/GPUCache/file")
-      .link(chrome + "Profile 1/Cookies", "../Default/Cookies")
-      .link(container, odd.scratch.path("Library/Cookies"));
-  EXPECT_EQ(endOfForeseen({"Google Chrome"}), "");
-  EXPECT_EQ(endOfForeseen({"Safari"}), "");
 }
 
-TEST_F(OddPreview, SaysWhatARunEndsHardAt) {
+TEST_F(Preview, SaysWhatARunEndsHardAt) {
+  const OddHome odd;
   const std::string bad = kSupport + "Microsoft/Silverlight/is/a/b/c/s/bad";
-  odd.scratch.file(bad + "/id.dat", "file:///");
-  EXPECT_TRUE(endOfForeseen({"Camino"}).ends_with(bad));
-  const std::string list = kSupport + "Chromium/Local State";
-  fs::remove(odd.scratch.path(list));
-  EXPECT_TRUE(endOfForeseen({"Chromium"}).ends_with(list));
+  odd.home.writeFile(bad + "/id.dat", "file:///");
+  EXPECT_EQ(shown(odd.home, "Camino", "-x")["endsHardAt"], odd.scratch.path(bad));
+  const std::string list = odd.scratch.path(kSupport + "Chromium/Local State");
+  fs::remove(list);
+  EXPECT_EQ(shown(odd.home, "Chromium", "-x")["endsHardAt"], list);
 }
 
-TEST_F(OddPreview, RefusesBadInputInOneLine) {
-  const std::string home = odd.home.home();
+TEST_F(Preview, RefusesBadInputInOneLine) {
+  const std::string home = scratch.home();
   const std::string folder = scratch.volume();
   for (const WorkerRun& run :
        {preview({}, home, folder), preview({"firefox"}, home, folder),
@@ -200,32 +148,17 @@ TEST_F(OddPreview, RefusesBadInputInOneLine) {
   }
 }
 
-TEST_F(OddPreview, LeavesNothingBehindWhereverASignalEndsIt) {
-  // Of its own time: a timer that is set before it starts.
-  int status = SIGVTALRM;
-  for (suseconds_t time = 500; WIFSIGNALED(status) && time < 1000000; time *= 2) {
-    std::array<int, 2> output{};
-    ASSERT_EQ(::pipe(output.data()), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-      ::dup2(output[1], STDOUT_FILENO);
-      ::close(output[1]);
-      ::setenv("TMPDIR", scratch.volume().c_str(), 1);
-      ::setenv("HOME", odd.home.home().c_str(), 1);
-      const itimerval timer{{0, 0}, {0, time}};
-      ::setitimer(ITIMER_VIRTUAL, &timer, nullptr);
-      ::execl(PREVIEW_BINARY, PREVIEW_BINARY, "Safari", nullptr);
-      ::_exit(127);
-    }
-    ::close(output[1]);
-    // What removes the scratch folder holds the output as well.
-    for (std::array<char, 512> shown{}; ::read(output[0], shown.data(), shown.size()) > 0;) {
-    }
-    ::close(output[0]);
-    ::waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status) ? WTERMSIG(status) == SIGVTALRM : WEXITSTATUS(status) == 0);
-    EXPECT_EQ(scratch.list("../.."), Names{"Users"}) << time;
+TEST_F(Preview, LeavesNothingBehindWhereverASignalEndsIt) {
+  const OddHome odd;
+  int status = 124;
+  // The run is over when what removes the scratch folder lets go of the output as well.
+  for (double seconds = 0.0005; status == 124; seconds *= 2) {
+    status = preview({"Safari"}, odd.home.home(), scratch.volume(),
+                     {"timeout", "-s", "HUP", std::to_string(seconds)})
+                 .status;
+    EXPECT_EQ(scratch.list("../.."), Names{"Users"}) << seconds;
   }
+  EXPECT_EQ(status, 0);
 }
 
 }  // namespace

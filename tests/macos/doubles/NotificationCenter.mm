@@ -1,5 +1,5 @@
 // A notification centre that delivers when the run loop turns, as a Mac's does, and keeps the list
-// of those delivered in the file ~/GNUstep/Notifications, a line each: title|subtitle|body|action
+// of those delivered in the file ~/GNUstep Notifications, a line each: title|subtitle|body|action
 // button|sound|shown in front.
 
 #import <Foundation/Foundation.h>
@@ -28,7 +28,7 @@ static NSMutableArray* delivered() {
                         [one hasActionButton], [one soundName],
                         [delegate userNotificationCenter:self shouldPresentNotification:one]];
   }
-  [lines writeToFile:[NSHomeDirectory() stringByAppendingPathComponent:@"GNUstep/Notifications"]
+  [lines writeToFile:[NSHomeDirectory() stringByAppendingPathComponent:@"GNUstep Notifications"]
           atomically:NO];
 }
 

@@ -6,11 +6,14 @@
 
 #import <Foundation/NSObject.h>
 
+#define DEPRECATED_ON_A_MAC \
+  __attribute__((availability(macos, introduced = 10.8, deprecated = 11.0)))
+
 @class NSDate, NSString, StandInUserNotification, StandInUserNotificationCenter;
 @compatibility_alias NSUserNotification StandInUserNotification;
 @compatibility_alias NSUserNotificationCenter StandInUserNotificationCenter;
 
-@interface StandInUserNotification : NSObject {
+DEPRECATED_ON_A_MAC @interface StandInUserNotification : NSObject {
   NSString *title, *subtitle, *informativeText, *soundName;
   NSDate* deliveryDate;
   BOOL hasActionButton;
@@ -29,7 +32,7 @@
      shouldPresentNotification:(NSUserNotification*)notification;
 @end
 
-@interface StandInUserNotificationCenter : NSObject {
+DEPRECATED_ON_A_MAC @interface StandInUserNotificationCenter : NSObject {
   id<NSUserNotificationCenterDelegate> delegate;
 }
 @property(nonatomic, assign) id<NSUserNotificationCenterDelegate> delegate;
