@@ -93,9 +93,8 @@ class MacHome::Lines {
       std::vector<SampleCookie> cookies;
       for (const SampleItem& item : home_.items_) {
         if (item.path == path) {
-          const std::size_t blank = item.key.find(' ');
-          cookies.push_back(
-              {.domain = item.key.substr(0, blank), .name = item.key.substr(blank + 1)});
+          const std::size_t bar = item.key.find('|');
+          cookies.push_back({.domain = item.key.substr(0, bar), .name = item.key.substr(bar + 1)});
         }
       }
       home_.writeFile("/" + path, binaryCookieFile(cookies, StringOrder::kDomainFirst, "a tail"));
@@ -131,9 +130,7 @@ class MacHome::Lines {
   void rows(const std::string& fate, const std::string& path, std::string table) {
     const auto rows = cut(table, ": ");
     if (path.ends_with(".binarycookies")) {
-      std::string key = plainly(":memory:", "SELECT " + table).front();
-      key[key.find('|')] = ' ';
-      home_.items_.push_back({fate, path, key});
+      home_.items_.push_back({fate, path, plainly(":memory:", "SELECT " + table).front()});
       cookieFiles_.insert(path);
       return;
     }

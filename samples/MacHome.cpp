@@ -87,7 +87,7 @@ std::vector<std::optional<std::string>> MacHome::contents() const {
     if (found && item.path.ends_with(".binarycookies")) {
       // Domain and name stand one behind the other, a NUL behind each.
       std::string texts = item.key + '\0';
-      texts[texts.find(' ')] = '\0';
+      texts[texts.find('|')] = '\0';
       found = found->find(texts) != std::string::npos ? std::optional(item.key) : std::nullopt;
     } else if (found && !item.key.empty()) {
       const auto at = connections.try_emplace(item.path, nullptr, &sqlite3_close).first;

@@ -21,7 +21,7 @@ struct SampleItem {
   std::string fate;
   /// Where it is, relative to the volume.
   std::string path;
-  /// For a row, the query that answers it; for a Safari cookie, its domain and name with a space
+  /// For a row, the query that answers it; for a Safari cookie, its domain and name with "|"
   /// between; empty for an item that is a file itself.
   std::string key;
 

@@ -33,7 +33,7 @@ class Preview : public ::testing::TestWithParam<std::tuple<std::string, const ch
     command.insert(command.end(), by.begin(), by.end());
     command.emplace_back(PREVIEW_BINARY);
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return runWorker(command, home, "", home.empty() ? "." : home + "/../..");
+    return runWorker(command, home, "", fs::exists(home) ? home + "/../.." : ".");
   }
 
   /// What a preview of `home` shows. Expects that it changes nothing.
@@ -58,8 +58,12 @@ class Preview : public ::testing::TestWithParam<std::tuple<std::string, const ch
       const SampleItem& item = home.items()[i];
       const bool stays = preference == "-secureDeleteData" && (item.is('s') || item.is('w'));
       if (item.goesFor(browser, preference == "-removeAll") && !stays) {
-        item.key.empty() ? void(files.insert(home.path(item.path)))
-                         : void(rows.emplace(home.path(item.path), *contents[i]));
+        const std::string path = home.path(item.path);
+        if (item.key.empty()) {
+          files.insert(path);
+        } else {
+          rows.emplace(path, "|" + *contents[i] + "|");
+        }
       }
     }
     Things announced;
@@ -67,16 +71,18 @@ class Preview : public ::testing::TestWithParam<std::tuple<std::string, const ch
       const bool isStore = place["unit"] != "files";
       for (const Json& item : place["items"]) {
         const std::string what = item["what"];
-        if (!isStore && !fs::is_directory(fs::symlink_status(what))) {
-          announced.insert(what);
-        } else if (isStore) {
+        const std::string name = item["name"];
+        if (isStore) {
           const auto [first, last] = rows.equal_range(place["path"]);
           const auto row = std::find_if(first, last, [&](const auto& one) {
-            return one.second.find(what) != std::string::npos &&
-                   one.second.find(item["name"]) != std::string::npos;
+            return one.second.find("|" + what + "|") != std::string::npos &&
+                   (name.empty() || one.second.find("|" + name + "|") != std::string::npos);
           });
           ASSERT_TRUE(row != last) << place["path"] << " " << item;
           rows.erase(row);
+        } else if (!fs::is_directory(fs::symlink_status(what)) && rows.erase(what) == 0) {
+          // A store that goes as a file takes its rows along.
+          announced.insert(what);
         }
       }
     }
@@ -105,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(All, Preview,
 constexpr const char* kLinks = R"(
 = Library/Application Support/Google/Chrome/
 G Default/Application Cache > ../../../../cache
-G ../../../cache/GPUCache/file
+- ../../../cache/GPUCache/file
 + Default/Cookies: cookies (host_key, name, creation_utc INTEGER)
 G Default/Cookies: cookies: 'gone.example', 'a', 1; 'gone.example', 'b', 2
 - Profile 1/Cookies > ../Default/Cookies
