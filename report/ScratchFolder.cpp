@@ -51,8 +51,6 @@ bool clone(const std::string& from, const std::string& to) {
 
 /// Waits for the end of what can be read from `held`, shows the seconds, and removes `folder`.
 [[noreturn]] void keepUntilReleased(const std::string& folder, int held) {
-  // Out of reach of the signals that a terminal sends.
-  ::setsid();
   pollfd end{held, POLLIN, 0};
   int seconds = 0;
   while (::poll(&end, 1, 1000) == 0) {
@@ -72,16 +70,30 @@ ScratchFolder::ScratchFolder() {
   std::error_code error;
   path_ = (fs::canonical(fs::temp_directory_path(error), error) / "tasselby-XXXXXX").native();
   std::array<int, 2> ends{};
-  if (error || ::pipe(ends.data()) != 0 || ::mkdtemp(path_.data()) == nullptr) {
+  std::array<int, 2> named{};
+  if (error || ::pipe(ends.data()) != 0 || ::pipe(named.data()) != 0) {
     throwNoRoom();
   }
   held_ = ends[1];
   keeper_ = ::fork();
   if (keeper_ == 0) {
     ::close(held_);
+    // Out of reach of the signals that a terminal sends, before there is anything to remove.
+    ::setsid();
+    if (::mkdtemp(path_.data()) == nullptr ||
+        ::write(named[1], path_.data(), path_.size()) != static_cast<ssize_t>(path_.size())) {
+      ::_exit(EXIT_FAILURE);
+    }
+    ::close(named[1]);
     keepUntilReleased(path_, ends[0]);
   }
   ::close(ends[0]);
+  ::close(named[1]);
+  const ssize_t size = ::read(named[0], path_.data(), path_.size());
+  ::close(named[0]);
+  if (size != static_cast<ssize_t>(path_.size())) {
+    throwNoRoom();
+  }
 }
 
 ScratchFolder::~ScratchFolder() {
