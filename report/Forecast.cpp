@@ -110,9 +110,8 @@ class StandIn final : public FileManager {
   mutable Outcome outcome_;
 };
 
-/// The path without links of what the run finds at `path`, a real one; no value when that is
-/// nothing.
-/// "" is the root.
+/// The path without links, "" for the root, of what the run finds at `path`, a real one; no value
+/// when that is nothing.
 Path StandIn::resolve(const std::string& path, bool followLast, int& links) const {
   if (path.find_first_not_of('/') == std::string::npos) {
     return "";

@@ -21,9 +21,12 @@ constexpr int kGreen = 32;
 constexpr int kGoesWidth = 20;
 constexpr int kStaysWidth = 6;
 
-/// `text`, on a terminal in one of the styles above.
+/// `text` in one of the styles above: on a terminal, and where CLICOLOR_FORCE is set; never where
+/// NO_COLOR is.
 std::string styled(int style, const std::string& text) {
-  return wantsColor() ? "\033[" + std::to_string(style) + "m" + text + "\033[0m" : text;
+  const bool isWanted = std::getenv("NO_COLOR") == nullptr &&
+                        (std::getenv("CLICOLOR_FORCE") != nullptr || ::isatty(STDOUT_FILENO) != 0);
+  return isWanted ? "\033[" + std::to_string(style) + "m" + text + "\033[0m" : text;
 }
 
 /// `text` with "?" for what a terminal takes for more than text: control characters, those in two
@@ -91,11 +94,6 @@ void printPlace(std::ostream& out, const RunResult& result, const Place& place, 
 }
 
 }  // namespace
-
-bool wantsColor() {
-  return std::getenv("NO_COLOR") == nullptr &&
-         (std::getenv("CLICOLOR_FORCE") != nullptr || ::isatty(STDOUT_FILENO) != 0);
-}
 
 void printText(std::ostream& out, const RunResult& result, const std::string& title, bool items) {
   out << styled(kBold, shown(title)) << "\n\n";

@@ -75,7 +75,12 @@ ScratchFolder::ScratchFolder() {
     throwNoRoom();
   }
   held_ = ends[1];
+  ::fcntl(held_, F_SETFD, FD_CLOEXEC);
   keeper_ = ::fork();
+  if (keeper_ < 0) {
+    fs::remove(path_, error);
+    throw std::runtime_error("no process can be started");
+  }
   if (keeper_ == 0) {
     ::close(held_);
     // Out of reach of the signals that a terminal sends, before there is anything to remove.
