@@ -1,6 +1,7 @@
 #include "report/ScratchFolder.h"
 
 #include <array>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
@@ -70,33 +71,25 @@ ScratchFolder::ScratchFolder() {
   std::error_code error;
   path_ = (fs::canonical(fs::temp_directory_path(error), error) / "tasselby-XXXXXX").native();
   std::array<int, 2> ends{};
-  std::array<int, 2> named{};
-  if (error || ::pipe(ends.data()) != 0 || ::pipe(named.data()) != 0) {
+  if (error || ::pipe(ends.data()) != 0) {
     throwNoRoom();
   }
   held_ = ends[1];
   ::fcntl(held_, F_SETFD, FD_CLOEXEC);
-  keeper_ = ::fork();
-  if (keeper_ < 0) {
-    fs::remove(path_, error);
-    throw std::runtime_error("no process can be started");
-  }
+  // No signal comes between the folder and its keeper, and none that can be blocked to the keeper.
+  sigset_t every;
+  sigset_t before;
+  sigfillset(&every);
+  ::sigprocmask(SIG_SETMASK, &every, &before);
+  keeper_ = ::mkdtemp(path_.data()) != nullptr ? ::fork() : -1;
   if (keeper_ == 0) {
     ::close(held_);
-    // Out of reach of the signals that a terminal sends, before there is anything to remove.
-    ::setsid();
-    if (::mkdtemp(path_.data()) == nullptr ||
-        ::write(named[1], path_.data(), path_.size()) != static_cast<ssize_t>(path_.size())) {
-      ::_exit(EXIT_FAILURE);
-    }
-    ::close(named[1]);
     keepUntilReleased(path_, ends[0]);
   }
+  ::sigprocmask(SIG_SETMASK, &before, nullptr);
   ::close(ends[0]);
-  ::close(named[1]);
-  const ssize_t size = ::read(named[0], path_.data(), path_.size());
-  ::close(named[0]);
-  if (size != static_cast<ssize_t>(path_.size())) {
+  if (keeper_ < 0) {
+    fs::remove(path_, error);
     throwNoRoom();
   }
 }
