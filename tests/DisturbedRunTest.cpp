@@ -1,10 +1,9 @@
 // Runs in which system calls fail, and runs that are killed: nothing kept is lost, and nothing is
-// left unsound. strace makes calls fail and says in which order they
-// come. A few of each belong to the tests; TEST_ROUNDS in the environment multiplies them.
+// left unsound. strace makes calls fail and tells their order. A few of each belong to the tests;
+// TEST_ROUNDS in the environment multiplies them.
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
-#include <random>
 
 #include "platform/BinaryCookies.h"
 #include "tests/support/Testing.h"
@@ -12,7 +11,6 @@
 namespace tasselby {
 namespace {
 
-constexpr int kKilled = 128 + SIGKILL;
 const std::string kWriteCalls =
     "write,pwrite64,fsync,fdatasync,ftruncate,?rename,renameat,renameat2,?unlink,unlinkat";
 const std::string kCalls = kWriteCalls + ",?open,openat,read,pread64,getdents64,?fstat,?newfstatat";
@@ -20,14 +18,12 @@ const std::string kCalls = kWriteCalls + ",?open,openat,read,pread64,getdents64,
 // Before it, a password source that cannot be read keeps nothing: that is the rule.
 const Names kAfterKeepList = {"/Cookies", "cookies.sqlite", "Macromedia"};
 
-long rounds() {
-  const char* text = std::getenv("TEST_ROUNDS");
-  return text != nullptr ? std::max(1L, std::atol(text)) : 1;
-}
+const char* const kMore = std::getenv("TEST_ROUNDS");
+const long kRounds = kMore != nullptr ? std::max(1L, std::atol(kMore)) : 1;
 
 bool hasOneOf(const std::string& text, const Names& parts) {
-  return std::ranges::any_of(parts,
-                             [&text](const auto& part) { return text.find(part) != text.npos; });
+  const auto isIn = [&text](const std::string& part) { return text.find(part) != text.npos; };
+  return std::ranges::any_of(parts, isIn);
 }
 
 /// Copies of one sample home, each for one disturbed run, and what must hold of them afterwards.
@@ -47,64 +43,55 @@ class DisturbedRun : public ::testing::Test {
   }
 
   WorkerRun run(const Names& arguments, const Names& strace = {}) const {
-    Names command = {WORKER_BINARY};
-    if (!strace.empty()) {
-      command = {"/usr/bin/env", "strace", "-qqq", "-o", log};
-      command.insert(command.end(), strace.begin(), strace.end());
-      command.emplace_back(WORKER_BINARY);
-    }
+    Names command = {"/usr/bin/env"};
+    command.insert(command.end(), strace.begin(), strace.end());
+    command.emplace_back(WORKER_BINARY);
     command.insert(command.end(), arguments.begin(), arguments.end());
     return runWorker(command, home->home());
   }
 
   /// The calls of a run, each with its name first and its descriptors as paths.
   Names trace(const Names& arguments, const std::string& calls) const {
-    EXPECT_EQ(run(arguments, {"-y", "-e", "trace=" + calls}).status, 0);
+    EXPECT_EQ(run(arguments, {"strace", "-qqq", "-o", log, "-y", "-e", "trace=" + calls}).status,
+              0);
     Names lines;
     std::ifstream in(log);
     for (std::string line; std::getline(in, line);) {
-      lines.push_back(line.erase(0, line.find_first_not_of("0123456789 ")));
+      lines.push_back(line);
     }
     return lines;
   }
 
   WorkerRun runInjected(const Names& arguments, const std::string& call, const std::string& what,
                         const std::string& when) const {
-    return run(arguments, {"-e", "trace=" + call, "-e", "inject=" + call + what + ":when=" + when});
+    return run(arguments, {"strace", "-qqq", "-o", log, "-e", "trace=" + call, "-e",
+                           "inject=" + call + what + ":when=" + when});
   }
 
   /// Expects everything that a run for `browser` keeps, but for paths with `except` in them, to
-  /// hold what it held at first, and every database and cookie file to be sound.
-  void expectKept(const std::string& browser, const std::string& label,
-                  const std::string& except = "-") {
+  /// hold what it held at first, and every database and cookie file to be sound; when `finished`,
+  /// nothing to be there that it removes. What went first, by the rule, is not there to lead a
+  /// later run to the rest: rows to folders of Chromium's kind, files to their journals, Safari's
+  /// one table to the other.
+  void expectKept(const std::string& browser, const std::string& when,
+                  const std::string& except = "-", bool finished = false) {
     const auto now = home->contents();
+    const Names lost = browser == "Safari" ? Names{"Origins"} : Names{"/databases/", "-journal"};
     std::set<std::string> stores;
     for (std::size_t i = 0; i < now.size(); ++i) {
       const SampleItem& item = home->items()[i];
+      const std::string label = when + ": " + item.path + " " + item.key;
       if (!item.goesFor(browser) && !hasOneOf(item.path, {except})) {
-        EXPECT_EQ(now[i], contents[i]) << label << ": " << item.path << " " << item.key;
+        EXPECT_EQ(now[i], contents[i]) << label;
       }
+      EXPECT_FALSE(finished && now[i] && item.goesFor(browser) && !hasOneOf(label, lost)) << label;
       if (!item.key.empty() && stores.insert(item.path).second) {
         const std::string path = "../../copy/" + item.path;
         EXPECT_TRUE(item.key.starts_with("SELECT")
                         ? plainly(scratch.path(path), "PRAGMA integrity_check") == Names{"ok"}
                         : parseBinaryCookies(scratch.contents(path)).parsedWholly)
-            << label << ": " << path;
+            << label;
       }
-    }
-  }
-
-  /// Expects nothing to be there that a run for `browser` removes. What went first, by the rule, is
-  /// not there to lead a later run to the rest: rows to folders of Chromium's kind, files to their
-  /// journals, Safari's one table to the other.
-  void expectFinished(const std::string& browser, const std::string& label) {
-    const auto now = home->contents();
-    for (std::size_t i = 0; i < now.size(); ++i) {
-      const SampleItem& item = home->items()[i];
-      const bool isLost = browser == "Safari" ? item.key.find("Origins") != item.key.npos
-                                              : hasOneOf(item.path, {"/databases/", "-journal"});
-      EXPECT_TRUE(!now[i] || isLost || !item.goesFor(browser))
-          << label << ": " << item.path << " " << item.key;
     }
   }
 
@@ -137,19 +124,19 @@ TEST_F(DisturbedRun, FailingCallsLoseNothingThatIsKept) {
       // A folder of Silverlight stores that cannot be listed counts as empty, and with an empty one
       // the whole plug-in goes: that is the rule.
       const bool lists = call == "open" || call == "openat" || call == "getdents64";
-      for (long round = 0; round < rounds(); ++round) {
+      for (long round = 0; round < kRounds; ++round) {
         // SQLite tries again for as long as a call is interrupted, so not every one may be.
         const std::string error = errors[turn++ % errors.size()];
         const long step = 1 + round % 5 + (error == "EINTR" ? 1 : 0);
         const std::string when =
             std::to_string(counts.second + 1 + round / 5) + "+" + std::to_string(step);
-        const std::string label = browser + " " + call + " " + error + " " + when;
         reset();
         // With every write failing, overwriting goes on until its count wraps around, as it is
         // meant to: four thousand million calls.
         const bool secure = turn % 2 == 0 && (call != "write" || step > 1);
         const WorkerRun result = runInjected({browser, "-secureDeleteData", secure ? "YES" : "NO"},
                                              call, ":error=" + error, when);
+        const std::string label = browser + " " + call + " " + error + " " + when;
         EXPECT_TRUE(result.status == 0 || result.status == 70) << label << " " << result.status;
         EXPECT_EQ(result.output, "") << label;
         expectKept(browser, label, lists ? "Silverlight" : "-");
@@ -159,20 +146,19 @@ TEST_F(DisturbedRun, FailingCallsLoseNothingThatIsKept) {
 }
 
 TEST_F(DisturbedRun, KillsAtWriteCallsLoseNothing) {
-  std::mt19937 random(1);
+  long turn = 0;
   for (const std::string& browser : kEveryBrowser) {
     reset();
     for (const auto& [call, counts] : counted(trace({browser}, kWriteCalls), {})) {
-      const long step = std::max(1L, 60 / rounds());
-      for (long at = 1 + static_cast<long>(random()) % step; at <= counts.first; at += step) {
+      const long step = std::max(1L, 60 / kRounds);
+      for (long at = 1 + ++turn * 37 % step; at <= counts.first; at += step) {
         reset();
         const std::string label = browser + " killed at " + call + " " + std::to_string(at);
-        EXPECT_EQ(runInjected({browser}, call, ":signal=KILL", std::to_string(at)).status, kKilled)
-            << label;
+        const WorkerRun killed = runInjected({browser}, call, ":signal=KILL", std::to_string(at));
+        EXPECT_EQ(killed.status, 128 + SIGKILL) << label;
         expectKept(browser, label);
         EXPECT_EQ(run({browser}).status, 0) << label;
-        expectKept(browser, label + ", second run");
-        expectFinished(browser, label + ", second run");
+        expectKept(browser, label + ", second run", "-", true);
       }
     }
   }
@@ -211,43 +197,39 @@ TEST_F(DisturbedRun, StoresAreChangedInTheirOrder) {
 TEST_F(DisturbedRun, DatabasesAndPasswordsAreOpenedAsOftenAsTheyShould) {
   const auto opened = [this](const std::string& browser, const std::string& file,
                              const std::string& removeAll = "NO") {
-    return std::ranges::count_if(
-        trace({browser, "-removeAll", removeAll}, "?open,openat"),
-        [&](const auto& line) { return line.find(file + "\"") != line.npos; });
+    const Names lines = trace({browser, "-removeAll", removeAll}, "?open,openat");
+    return std::ranges::count_if(lines, [&](auto& line) { return hasOneOf(line, {file + "\""}); });
   };
-  const std::string keychain = "login.keychain-db";
-  EXPECT_EQ(opened("Camino", keychain, "YES") + opened("Firefox", keychain), 0);
+  EXPECT_EQ(opened("Camino", "login.keychain-db", "YES"), 0);
+  EXPECT_EQ(opened("Firefox", "login.keychain-db"), 0);
   EXPECT_EQ(opened("Firefox", "signons.sqlite", "YES"), 0);
   // Firefox's and Camino's are opened for an empty list of deletions as well, and once for all.
   for (const auto& [browser, file] : {std::pair{"Firefox", "k3x9q2ab.default/cookies.sqlite"},
                                       {"Camino", "Camino/cookies.sqlite"}}) {
     reset();
-    const auto first = opened(browser, file);
-    EXPECT_EQ(opened(browser, file), first) << browser;
+    const auto all = opened(browser, file);
+    EXPECT_EQ(opened(browser, file), all) << browser;
   }
   // Chromium's kind: once for each record, so that a lock costs only those tried meanwhile.
-  reset();
   const std::string cookies = "com.operasoftware.Opera/Cookies";
-  opened("Opera", cookies);
-  const auto none = opened("Opera", cookies);
-  plainly(home->home() + "/" + kSupport + cookies,
-          "INSERT INTO cookies (creation_utc, host_key, name, value, path, expires_utc, secure, "
-          "httponly, last_access_utc) VALUES (1, 'a', 'a', '', '/', 1, 0, 0, 1), "
-          "(2, 'b', 'a', '', '/', 1, 0, 0, 1), (3, 'c', 'a', '', '/', 1, 0, 0, 1)");
-  EXPECT_EQ(opened("Opera", cookies), 4 * none);
+  const auto records = std::ranges::count_if(home->items(), [&](const SampleItem& item) {
+    return item.path.ends_with(cookies) && item.goesFor("Opera");
+  });
+  const auto first = opened("Opera", cookies);
+  EXPECT_EQ(first, (1 + records) * opened("Opera", cookies));
 }
 
 TEST_F(DisturbedRun, ATrackerIsNotPrunedByAListingThatFailed) {
   const std::string tracker = home->home() + "/Library/Safari/LocalStorage/StorageTracker.db";
   const Names rows = plainly(tracker, "SELECT * FROM Origins");
+  // Two calls a listing: the entries, and their end. The second listing is the tracker's.
   std::vector<std::size_t> calls;
-  const Names lists = trace({"Safari"}, "getdents64");
-  for (std::size_t i = 0; i < lists.size(); ++i) {
-    if (hasOneOf(lists[i], {"Safari/LocalStorage>"})) {
-      calls.push_back(i + 1);
+  for (std::size_t i = 0; const std::string& line : trace({"Safari"}, "getdents64")) {
+    ++i;
+    if (hasOneOf(line, {"Safari/LocalStorage>"})) {
+      calls.push_back(i);
     }
   }
-  // Two calls a listing: the entries, and their end. The second listing is the tracker's.
   ASSERT_EQ(calls.size(), 4U);
   reset();
   runInjected({"Safari"}, "getdents64", ":error=EIO", std::to_string(calls[2]));
@@ -265,7 +247,6 @@ TEST_F(DisturbedRun, RemovalLeavesAloneWhatCannotBeRemoved) {
   const long before =
       counted(trace({"Camino"}, "unlinkat"), {"Camino/Cache"}).at("unlinkat").second;
   std::ptrdiff_t left = 0;
-  // One call for each file, and two for each folder.
   for (long call = 1; call <= 12; ++call) {
     fill();
     runInjected({"Camino"}, "unlinkat", ":error=EACCES", std::to_string(before + call));
@@ -273,7 +254,7 @@ TEST_F(DisturbedRun, RemovalLeavesAloneWhatCannotBeRemoved) {
     left += std::ranges::count_if(fs::recursive_directory_iterator(cache, ignored),
                                   [](const auto& entry) { return entry.is_regular_file(); });
   }
-  EXPECT_EQ(left, 4) << "each file with the one call that removes it";
+  EXPECT_EQ(left, 4) << "of one call for each file and two for each folder, those of the files";
 }
 
 }  // namespace

@@ -69,12 +69,15 @@ struct AdapterContract : ::testing::Test {
   ScratchHome home;
 };
 
-TEST_F(AdapterContract, ApplicationHasTheProcessesArgumentsAndHome) {
+TEST_F(AdapterContract, ProcessHasArgumentsAHomeAndTheKeysOfMissingTexts) {
   onPlatform([this](const Platform& platform) {
     EXPECT_EQ(platform.application.arguments(),
               Names(processArguments.begin(), processArguments.end()));
     EXPECT_EQ(platform.files.expandTilde("~"), home.home());
     EXPECT_GE(platform.coreFoundationVersionNumber, 744.0);
+    for (const char* key : {"%@ Cookies, and Cache removed from %@", "", "\xC3\xBC"}) {
+      EXPECT_EQ(platform.bundle.localizedString(key, ""), key);
+    }
   });
 }
 
@@ -87,14 +90,6 @@ TEST_F(AdapterContract, UserDefaultsReadTheFirstDomainThatHasTheKey) {
     }
     for (const char* key : {"false", "0", "NO", "maybe", "list", "both", "absent"}) {
       EXPECT_FALSE(platform.userDefaults.boolForKey(key)) << key;
-    }
-  });
-}
-
-TEST_F(AdapterContract, BundleAnswersTheKeyOfAMissingText) {
-  onPlatform([](const Platform& platform) {
-    for (const char* key : {"%@ Cookies, and Cache removed from %@", "", "\xC3\xBC"}) {
-      EXPECT_EQ(platform.bundle.localizedString(key, ""), key);
     }
   });
 }
