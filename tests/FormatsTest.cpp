@@ -51,26 +51,29 @@ TEST(KeychainFile, PassesOverExactlyWhatIsDamaged) {
       keychainFile({{.server = "a.test"}, {.server = "b", .authenticationType = "dflt"}});
   const std::string first = "a.test form anna ", both = first + "b dflt anna ";
   const std::string noServer = "- form anna b dflt anna ";
-  expectLeft(sound, passwordsIn,
-             {{"another version", {{0x07, 1}}, ""},
-              {"more tables than fit", {{0x1a, 5}, {0x1b, 0x16}}, ""},
-              {"a table that outgrows its section", {{0x1283, 0xf1}}, ""},
-              {"an attribute too many", {{0x203, 56}}, ""},
-              {"an attribute without a format", {{0x1217, 0}}, ""},
-              {"an attribute that is there twice", {{0x377, 0}}, ""},
-              {"a type that is a number", {{0x11a7, 2}}, ""},
-              {"accounts that are numbers", {{0x10a7, 2}}, "a.test form - b dflt - "},
-              {"strings in place of blobs", {{0x1127, 0}, {0x11a7, 0}}, both},
-              {"a record too many", {{0x128b, 3}}, both},
-              {"a record that outgrows its table", {{0x138f, 0xe5}}, first},
-              {"a record of nothing but words", {{0x138f, 0x68}}, first + "- - - "},
-              {"a record shorter than its words", {{0x138f, 0x67}}, first},
-              {"no value", {{0x12ff, 0}}, noServer},
-              {"a value outside of its record", {{0x12ff, 0xe5}}, noServer},
-              {"a length that outgrows its record", {{0x136f, 0x1d}}, noServer},
-              {"the first of 1024 values", {{0x12ff, 0xc0}, {0x136a, 4}}, both},
-              {"more values", {{0x12ff, 0xc0}, {0x136a, 4}, {0x136b, 1}}, noServer},
-              {"the first of none", {{0x12ff, 0xc0}}, noServer}});
+  expectLeft(
+      sound, passwordsIn,
+      {{"another version", {{0x07, 1}}, ""},
+       {"as many tables as fit", {{0x1a, 5}, {0x1b, 0x15}}, both},
+       {"more tables than fit", {{0x1a, 5}, {0x1b, 0x16}}, ""},
+       {"a table that outgrows its section", {{0x1283, 0xf1}}, ""},
+       {"an attribute too many", {{0x203, 56}}, ""},
+       {"an attribute without a format", {{0x1217, 0}}, ""},
+       {"an attribute that is there twice", {{0x467, 0}}, ""},
+       {"a type that is a number", {{0x11a7, 2}}, ""},
+       {"accounts that are numbers", {{0x10a7, 2}}, "a.test form - b dflt - "},
+       {"strings in place of blobs", {{0x1127, 0}, {0x11a7, 0}}, both},
+       {"a record too many", {{0x128b, 3}}, both},
+       {"a record that outgrows its table", {{0x138f, 0xe5}}, first},
+       {"a record of nothing but words", {{0x138f, 0x68}}, first + "- - - "},
+       {"a record shorter than its words", {{0x138f, 0x67}}, first},
+       {"no value", {{0x12ff, 0}}, noServer},
+       {"a value outside of its record", {{0x12ff, 0xe5}}, noServer},
+       {"a length that outgrows its record", {{0x136f, 0x1d}}, noServer},
+       {"one that does not", {{0x136f, 0x1c}}, sound.substr(0x1370, 0x1c) + noServer.substr(1)},
+       {"the first of 1024 values", {{0x12ff, 0xc0}, {0x136a, 4}}, both},
+       {"more values", {{0x12ff, 0xc0}, {0x136a, 4}, {0x136b, 1}}, noServer},
+       {"the first of none", {{0x12ff, 0xc0}}, noServer}});
   for (std::size_t size = 0; size <= sound.size(); ++size) {
     // The last four bytes number the last change.
     EXPECT_EQ(passwordsIn(sound.substr(0, size)), size + 4 < sound.size() ? "" : both) << size;
@@ -164,12 +167,12 @@ std::string dictionary(const std::string& content) {
   return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>" + content + "</dict></plist>";
 }
 
-/// A binary list with `value` twice under "k", once in UTF-16, behind a true one; and beside it a
-/// dictionary that has itself under "k".
+/// A binary list with `value` twice under "k", once in UTF-16, behind another text "k"; and beside
+/// it a dictionary that has itself under "k".
 std::string binary(const std::string& value) {
   std::string list = "bplist00", offsets;
   for (const std::string& object :
-       {"\xD4\1\2\1\3\4\5\6\6"s, "\x51k"s, "\x10k"s, "\x61\0k"s, "\x09"s, "\xD1\1\5"s, value}) {
+       {"\xD4\1\2\1\3\1\5\6\6"s, "\x51k"s, "\x10k"s, "\x61\0k"s, "\x09"s, "\xD1\1\5"s, value}) {
     offsets += {'\0', static_cast<char>(list.size())};
     list += object;
   }
@@ -191,8 +194,9 @@ TEST(PropertyList, LastValueOfAKeyDecidesByItsTypeInBothFormats) {
   expectValues(true,
                {"<true/>", "<integer> -1</integer>", "<integer>0x0a</integer>", "<real>0.5</real>",
                 "<real>nan</real>", "<string>Y\u00e9s</string>", "<string>&#89;es</string>", "\x09",
-                "\x13\xFF\0\0\0\0\0\0\0"s, "\x14"s + std::string(15, '\0') + "\1", "\x22\0\0\0\1"s,
-                "\x23\x7F\xF8\0\0\0\0\0\0"s, "\x53yes", "\x5F\x10\x02\t1", "\x62\0Y\x20\xAC"s});
+                "\x13\xFF\0\0\0\0\0\0\0"s, "\x11\0\1"s, "\x14"s + std::string(15, '\0') + "\1",
+                "\x22\0\0\0\1"s, "\x23\x7F\xF8\0\0\0\0\0\0"s, "\x53yes", "\x5F\x10\x02\t1",
+                "\x62\0Y\x20\xAC"s});
   expectValues(
       false, {"<false/>", "<integer>-0</integer><!--1-->", "<real>-0</real>", "<string/>",
               "<date>2011-01-01T00:00:00Z</date>", "<data>WUVT</data>", "<new>1</new>",
@@ -214,6 +218,8 @@ TEST(PropertyList, DamagedListHasNoKeys) {
     return dictionary("<key>o</key>" + begins + ends + member);
   };
   EXPECT_EQ(boolInPropertyList(nested(100'000), "k"), true);
+  std::string tooMany = binary("\x09");
+  tooMany[tooMany.size() - 17] = 8;
   for (const std::string& sound : {list, binary("\x09")}) {
     for (std::size_t size = 0; size < sound.size(); ++size) {
       EXPECT_EQ(boolInPropertyList(sound.substr(0, size), "k"), std::nullopt) << size;
@@ -222,7 +228,7 @@ TEST(PropertyList, DamagedListHasNoKeys) {
   for (const std::string& damaged :
        {dictionary(member + "<key>o</key>"), dictionary(member + "<true/>"), list + list,
         "<!DOCTYPE plist [<!ENTITY e 'e'>]>" + list.substr(21), "<array>" + member + "</array>",
-        binary("\x09") + '\0', nested(300'000)}) {
+        binary("\x09") + '\0', binary("\x09").replace(8, 1, "\xA4"), tooMany, nested(300'000)}) {
     EXPECT_EQ(boolInPropertyList(damaged, "k"), std::nullopt) << damaged.substr(0, 200);
   }
 }

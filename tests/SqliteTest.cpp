@@ -1,4 +1,5 @@
 // The database layer, over sound files and over those that were made to mislead.
+#include <regex>
 #include <sys/stat.h>
 #include <thread>
 
@@ -84,18 +85,20 @@ TEST_F(SqliteTest, AnswersNoWithoutAConnectionToAPlainFile) {
 
 TEST_F(SqliteTest, BindsArgumentsByTheirKind) {
   const std::chrono::system_clock::time_point date(std::chrono::milliseconds(1500));
-  const Arguments arguments = {
-      Null(), Bytes{0, 255},        Bytes(),   date, "a'b\0c"s, true, -7, 0.5F,
-      0.1,    Description{"thing"}, 1LL << 40, ~0ULL};
+  const Arguments arguments = {Bytes{0, 255}, Null(), Bytes(), date, "a'b\0c"s,
+                               true,          -7,     0.5F,    0.1,  Description{"thing"},
+                               1LL << 40,     ~0ULL};
   std::string sql = "SELECT ''";
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     sql += " || quote(?) || ' '";
   }
   const auto rows = sqlite.executeQuery_arguments(sql, arguments);
   EXPECT_EQ(rows.value().front().values().front(),
-            Value("NULL X'00FF' X'' 1.5 'a''b' 1 -7 0.5 0.1 'thing' 1099511627776 "
+            Value("X'00FF' NULL X'' 1.5 'a''b' 1 -7 0.5 0.1 'thing' 1099511627776 "
                   "'18446744073709551615' "));
-  EXPECT_EQ(Sqlite::createUuid().size(), 36U);
+  EXPECT_TRUE(std::regex_match(
+      Sqlite::createUuid(),
+      std::regex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}")));
 }
 
 TEST_F(SqliteTest, WaitsForALockOnlyWithANegativeTimeout) {
