@@ -139,11 +139,13 @@ TEST_F(HostileHome, FoldersSwappedForLinksLeadNowhere) {
     fs::remove_all(link);
     fs::create_symlink("../../canary", link);
     const pid_t child = ::fork();
-    for (int i = 0; child == 0; i = (i + 1) % 40) {
-      const std::string folder = home.path(kCache + "/folder" + std::to_string(i / 2));
-      if (::renameat2(AT_FDCWD, folder.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE) == 0 &&
-          ::write(counter, "x", 1) != 1) {
-        ::_exit(1);
+    if (child == 0) {
+      for (int i = 0;; i = (i + 1) % 40) {
+        const std::string folder = home.path(kCache + "/folder" + std::to_string(i / 2));
+        if (::renameat2(AT_FDCWD, folder.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE) == 0 &&
+            ::write(counter, "x", 1) != 1) {
+          ::_exit(1);
+        }
       }
     }
     EXPECT_EQ(runWorker({WORKER_BINARY, "Camino"}, home.home()).status, 0);
