@@ -32,6 +32,8 @@ TEST_F(Cleaners, ChannelIdsOfNoOriginStayWithNothingKept) {
       "INSERT INTO origin_bound_certs VALUES (''), ('gone.com'), (NULL);");
   worker.removeCookies_keepCookies("Opera", {});
   EXPECT_EQ(run(path, "SELECT * FROM origin_bound_certs"), (Names{"", "-"}));
+  worker.removeCookies_keepCookies("Opera", kKept);
+  EXPECT_EQ(run(path, "SELECT * FROM origin_bound_certs"), Names{"-"});
 }
 
 TEST_F(Cleaners, ALockedDatabaseCountsAndTheOthersAreDone) {
