@@ -68,11 +68,10 @@ class DisturbedRun : public ::testing::Test {
                            "inject=" + call + what + ":when=" + when});
   }
 
-  /// Expects everything that a run for `browser` keeps, but for paths with `except` in them, to
-  /// hold what it held at first, and every database and cookie file to be sound; when `finished`,
-  /// nothing to be there that it removes. What went first, by the rule, is not there to lead a
-  /// later run to the rest: rows to folders of Chromium's kind, files to their journals, Safari's
-  /// one table to the other.
+  /// Expects all that a run for `browser` keeps, but for paths with `except` in them, to be as it
+  /// was, and every store to be sound; when `finished`, nothing to be there that it removes. What
+  /// went first, by the rule, is not there to lead a later run to the rest: rows to folders of
+  /// Chromium's kind, files to their journals, Safari's one table to the other.
   void expectKept(const std::string& browser, const std::string& when,
                   const std::string& except = "-", bool finished = false) {
     const auto now = home->contents();
