@@ -1,25 +1,21 @@
 // What the worker relies on, whichever adapter is below it.
 
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
 
-#include "samples/BinaryCookieWriter.h"
+#ifdef TASSELBY_MACOS
+#include "platform/macos/MacPlatform.h"
+#else
+#include "platform/offline/OfflinePlatform.h"
+#endif
 #include "samples/KeychainWriter.h"
 #include "samples/ScratchHome.h"
-#include "tests/contract/Adapter.h"
 
 namespace tasselby {
 namespace {
 
 using Body = std::function<void(const Platform&)>;
-
-constexpr const char* kOldCookies = "Library/Cookies/Cookies.binarycookies";
-constexpr const char* kCookies =
-    "Library/Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies";
-
-const SampleCookie kFirst = {.domain = ".example.com", .name = "a", .value = "v"};
-const SampleCookie kSecond = {.domain = "www.example.com", .name = "a", .value = "v"};
-const SampleCookie kThird = {.domain = "www.example.com", .name = "b", .value = "v"};
 
 std::vector<char*> processArguments;
 Body body;
@@ -36,10 +32,15 @@ class BodyDelegate final : public ApplicationDelegate {
 
 void onPlatform(const Body& test) {
   body = test;
-  runAdapter(static_cast<int>(processArguments.size()), processArguments.data(),
-             [](const Platform& platform) -> std::unique_ptr<ApplicationDelegate> {
-               return std::make_unique<BodyDelegate>(platform);
-             });
+  const DelegateFactory make =
+      [](const Platform& platform) -> std::unique_ptr<ApplicationDelegate> {
+    return std::make_unique<BodyDelegate>(platform);
+  };
+#ifdef TASSELBY_MACOS
+  MacRun(make).delegate().applicationDidFinishLaunching();
+#else
+  offlineApplicationMain(static_cast<int>(processArguments.size()), processArguments.data(), make);
+#endif
 }
 
 std::string preferences(const std::string& values) {
@@ -60,9 +61,7 @@ struct AdapterContract : ::testing::Test {
         .file("Library/Keychains/login.keychain-db",
               keychainFile({{.server = "www.example.com"},
                             {.server = "b\xC3\xBC.example", .account = "berta"},
-                            {.server = "mail.example", .authenticationType = "dflt"}}))
-        .file(kOldCookies, binaryCookieFile({kFirst, kSecond, kThird}))
-        .file(kCookies, binaryCookieFile({kThird, kSecond}));
+                            {.server = "mail.example", .authenticationType = "dflt"}}));
     ::setenv("HOME", home.home().c_str(), 1);
   }
 
@@ -116,43 +115,6 @@ TEST_F(AdapterContract, KeychainAnswersTheAttributesOfWhatMatches) {
     query.service = "Mail";
     EXPECT_EQ(platform.keychain.copyMatching(query).status, Keychain::kItemNotFound);
   });
-}
-
-TEST_F(AdapterContract, CookieStorageDeletesExactlyTheCookiesGivenFromEitherFile) {
-  onPlatform([this](const Platform& platform) {
-    HTTPCookieStorage& storage = platform.cookieStorage;
-    const std::vector<HTTPCookie> cookies = storage.cookies();
-    ASSERT_EQ(cookies.size(), 5U);
-    for (const std::size_t i : {1U, 1U, 3U}) {
-      storage.deleteCookie(cookies[i]);
-    }
-    storage.synchronize();
-    EXPECT_EQ(home.contents(kOldCookies), binaryCookieFile({kFirst, kThird}));
-    EXPECT_EQ(home.contents(kCookies), binaryCookieFile({kSecond}));
-
-    std::string damaged = home.contents(kOldCookies);
-    damaged.back() ^= 1;
-    home.file(kOldCookies, damaged);
-    for (const HTTPCookie& cookie : storage.cookies()) {
-      storage.deleteCookie(cookie);
-    }
-    storage.synchronize();
-    EXPECT_EQ(home.contents(kOldCookies), damaged) << "one that is damaged is never written";
-    EXPECT_EQ(storage.cookies().size(), 2U) << "and costs the other nothing";
-  });
-}
-
-TEST_F(AdapterContract, NotificationCenterShowsWhatIsScheduled) {
-  const auto schedule = [](const Platform& platform) {
-    UserNotification notification;
-    notification.title = "Tasselby";
-    notification.subtitle = "3 Cookies, \xC3\xBC";
-    platform.notificationCenter.scheduleNotification(notification);
-    // One without an identifier was never handed out, and is none that could be removed.
-    platform.notificationCenter.removeDeliveredNotification(notification);
-  };
-  EXPECT_EQ(shownDuring([&schedule] { onPlatform(schedule); }),
-            Names{"Tasselby|3 Cookies, \xC3\xBC"});
 }
 
 }  // namespace
