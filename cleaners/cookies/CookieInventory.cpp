@@ -50,18 +50,21 @@ CookieInventory WorkerAppDelegate::cookies_keepCookies(const std::string& browse
         inventory.cookies.push_back(cookie);
       }
     }
-  } else if (const CookieStore* store = cookieStoreOf(known.family)) {
-    for (const std::string& profile : profilePaths(platform_.files, known)) {
-      Sqlite database;
-      openIfThere(platform_.files, database, join(profile, store->fileName));
-      for (Row& row : database.executeQuery(store->select).value_or(RowList{})) {
-        const std::string* host = row.text(store->hostColumn);
-        // A name that is no text begins with no entry of the catalogue, as the empty one.
-        const std::string* text = row.text(kCookieNameColumn);
-        const std::string name = text != nullptr ? *text : "";
-        if (host != nullptr && hasToGo(*host, name, catalogue, keepList, inventory)) {
-          inventory.rows.insert(std::move(row));
-        }
+  }
+  const CookieStore* const store = cookieStoreOf(known.family);
+  if (store == nullptr) {
+    return inventory;
+  }
+  for (const std::string& profile : profilePaths(platform_.files, known)) {
+    Sqlite database;
+    openIfThere(platform_.files, database, join(profile, store->fileName));
+    for (Row& row : database.executeQuery(store->select).value_or(RowList{})) {
+      const std::string* host = row.text(store->hostColumn);
+      // A name that is no text begins with no entry of the catalogue, as the empty one.
+      const std::string* text = row.text(kCookieNameColumn);
+      const std::string name = text != nullptr ? *text : "";
+      if (host != nullptr && hasToGo(*host, name, catalogue, keepList, inventory)) {
+        inventory.rows.insert(std::move(row));
       }
     }
   }
