@@ -197,11 +197,26 @@ TEST(PropertyList, LastValueOfAKeyDecidesByItsTypeInBothFormats) {
                 "\x13\xFF\0\0\0\0\0\0\0"s, "\x11\0\1"s, "\x14"s + std::string(15, '\0') + "\1",
                 "\x22\0\0\0\1"s, "\x23\x7F\xF8\0\0\0\0\0\0"s, "\x53yes", "\x5F\x10\x02\t1",
                 "\x62\0Y\x20\xAC"s});
-  expectValues(
-      false, {"<false/>", "<integer>-0</integer><!--1-->", "<real>-0</real>", "<string/>",
-              "<date>2011-01-01T00:00:00Z</date>", "<data>WUVT</data>", "<new>1</new>",
-              "<array><true/></array>", "\x08", "\0"s, "\x12\0\0\0\0"s, "\x22\x80\0\0\0"s, "\x50",
-              "\x61\x59\0"s, "\xD1\1\4", "\xAF\x17", "\x43yes", "\x80\1", "<string>\n1</string>"});
+  expectValues(false, {"<false/>",
+                       "<integer>-0</integer><!--1-->",
+                       "<real>-0</real>",
+                       "<string/>",
+                       "<date>2011-01-01T00:00:00Z</date>",
+                       "<data>WUVT</data>",
+                       "<new>1</new>",
+                       "<array><true/></array>",
+                       "<string><b>Y</b>es</string>",
+                       "\x08",
+                       "\0"s,
+                       "\x12\0\0\0\0"s,
+                       "\x22\x80\0\0\0"s,
+                       "\x50",
+                       "\x61\x59\0"s,
+                       "\xD1\1\4",
+                       "\xAF\x17",
+                       "\x43yes",
+                       "\x80\1",
+                       "<string>\n1</string>"});
   expectValues(std::nullopt,
                {"\x13\1", "\x15" + std::string(32, '\1'), "\x5F", "\x5F\x51", "\x5F\x14",
                 "\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", "<true>", "<key>k</key>"});
@@ -246,7 +261,7 @@ TEST(ArgumentDomain, PairsSetPreferences) {
   }
   // A letter of yes, a number, or a list that is one of these.
   for (const char* value :
-       {"YES", "y+", "true", "T", " \t1 ", "\n 1", "1a", "007", "+01", "\"YES\"", "<true/>",
+       {"YES", "y+", "true", "T", " \t1 ", "\n 1", "1a", "007", "+01", " \"YES\"\n", "<true/>",
         " <integer>2</integer>\n", "<?xml version=\"1.0\"?><plist><true/></plist>"}) {
     EXPECT_EQ(argumentDomain({"-a", value}).at("a"), true) << value;
   }

@@ -85,16 +85,16 @@ TEST_F(SqliteTest, AnswersNoWithoutAConnectionToAPlainFile) {
 
 TEST_F(SqliteTest, BindsArgumentsByTheirKind) {
   const std::chrono::system_clock::time_point date(std::chrono::milliseconds(1500));
-  const Arguments arguments = {Bytes{0, 255}, Null(), Bytes(), date, "a'b\0c"s,
-                               true,          -7,     0.5F,    0.1,  Description{"thing"},
-                               1LL << 40,     ~0ULL};
+  const Arguments arguments = {
+      Bytes{0, 255},        Null(),    Bytes(), date, "a'b\0c"s, true, false, -7, 0.5F, 0.1,
+      Description{"thing"}, 1LL << 40, ~0ULL};
   std::string sql = "SELECT ''";
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     sql += " || quote(?) || ' '";
   }
   const auto rows = sqlite.executeQuery_arguments(sql, arguments);
   EXPECT_EQ(rows.value().front().values().front(),
-            Value("X'00FF' NULL X'' 1.5 'a''b' 1 -7 0.5 0.1 'thing' 1099511627776 "
+            Value("X'00FF' NULL X'' 1.5 'a''b' 1 0 -7 0.5 0.1 'thing' 1099511627776 "
                   "'18446744073709551615' "));
   EXPECT_TRUE(std::regex_match(
       Sqlite::createUuid(),
