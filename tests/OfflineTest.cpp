@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include "keep/WorkerExtras.h"
+#include "platform/offline/ArgumentDomain.h"
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
 #include "tests/support/WorkerTest.h"
@@ -84,6 +85,32 @@ TEST_F(Offline, NeverWritesADamagedCookieFile) {
   cookieStorage->synchronize();
   EXPECT_EQ(home.contents(kContainer + kCookies), damaged);
   EXPECT_EQ(home.contents(kCookies).size(), 48U) << "two empty pages";
+}
+
+TEST(ArgumentDomain, PairsSetPreferences) {
+  const std::map<Names, std::map<std::string, bool>> domainByArguments = {
+      {{"worker", "-a", "YES", "Safari", "-b", "0"}, {{"a", true}, {"b", false}}},
+      {{"worker", "-a", "-b", "YES"}, {{"b", true}}},
+      {{"worker", "-a", "-1", "-b"}, {}},
+      {{"--a", "1", "-", "-b", "1"}, {{"-a", true}, {"b", true}}},
+      {{"worker", "-", "1", "-a", "", "-b", "1"}, {{"a", false}, {"b", true}}},
+      {{"worker", "-a", "YES", "-a", "NO"}, {{"a", false}}}};
+  for (const auto& [arguments, domain] : domainByArguments) {
+    EXPECT_EQ(argumentDomain(arguments), domain) << ::testing::PrintToString(arguments);
+  }
+  // A letter of yes, a number, or a list that is one of these.
+  for (const char* value :
+       {"YES", "y+", "true", "T", " \t1 ", "\n 1", "1a", "007", "+01", " \"YES\"\n", "<true/>",
+        " <integer>2</integer>\n", "<?xml version=\"1.0\"?><plist><true/></plist>"}) {
+    EXPECT_EQ(argumentDomain({"-a", value}).at("a"), true) << value;
+  }
+  for (const char* value :
+       {"",          " ",       "no",       "on",         "+0",
+        "+y",        "0y",      "ay",       "0.5",        "+-1",
+        "<false/>",  "<yes/>",  "\"YES\"x", "\"",         "\"Y\\",
+        "\"Y\\\"\"", "\"Y\"\"", "(YES)",    "{ a = 1; }", "<array><true/></array>"}) {
+    EXPECT_EQ(argumentDomain({"-a", value}).at("a"), false) << value;
+  }
 }
 
 TEST_F(Offline, FirstReadablePreferencesThatHaveTheKeyDecideAndAreReadOnce) {
