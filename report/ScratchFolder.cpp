@@ -69,7 +69,11 @@ bool clone(const std::string& from, const std::string& to) {
 
 ScratchFolder::ScratchFolder() {
   std::error_code error;
-  path_ = (fs::canonical(fs::temp_directory_path(error), error) / "tasselby-XXXXXX").native();
+  const fs::path temporary = fs::temp_directory_path(error);
+  if (error) {
+    throwNoRoom();
+  }
+  path_ = (fs::canonical(temporary, error) / "tasselby-XXXXXX").native();
   std::array<int, 2> ends{};
   if (error || ::pipe(ends.data()) != 0) {
     throwNoRoom();
