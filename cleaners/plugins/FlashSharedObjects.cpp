@@ -55,11 +55,8 @@ std::int64_t WorkerAppDelegate::removeFlash_keep(const std::string& browser,
                                kind == FlashEntry::kHost ? files.expandTilde(path) : path, secure);
                      });
 
-  auto count = static_cast<std::int64_t>(removed.size());
-  if (const std::optional<PepperFlashCounts> pepper = clearChromeFlash_keep(browser, keepList)) {
-    count += pepper->removed;
-  }
-  return count;
+  const std::optional<PepperFlashCounts> pepper = clearChromeFlash_keep(browser, keepList);
+  return static_cast<std::int64_t>(removed.size()) + (pepper ? pepper->removed : 0);
 }
 
 }  // namespace tasselby
