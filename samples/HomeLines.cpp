@@ -5,8 +5,9 @@
 #include <map>
 #include <optional>
 #include <random>
-#include <set>
+#include <regex>
 #include <sstream>
+#include <utility>
 
 #include "samples/BinaryCookieWriter.h"
 #include "samples/MacHome.h"
@@ -88,8 +89,9 @@ class MacHome::Lines {
   void finish() {
     for (const auto& [path, connection] : databases_) {
       plainly(connection, "COMMIT;");
-    }
-    for (const std::string& path : cookieFiles_) {
+      if (!path.ends_with(".binarycookies")) {
+        continue;
+      }
       std::vector<SampleCookie> cookies;
       for (const SampleItem& item : home_.items_) {
         if (item.path == path) {
@@ -127,37 +129,41 @@ class MacHome::Lines {
     }
   }
 
+  /// Makes a table, if `fate` is "+", and its rows, each of which may bear a fate of its own.
   void rows(const std::string& fate, const std::string& path, std::string table) {
-    const auto rows = cut(table, ": ");
-    if (path.ends_with(".binarycookies")) {
-      home_.items_.push_back({fate, path, plainly(":memory:", "SELECT " + table).front()});
-      cookieFiles_.insert(path);
-      return;
-    }
+    const bool isDatabase = !path.ends_with(".binarycookies");
+    const auto rows = isDatabase ? cut(table, ": ") : std::exchange(table, "");
+    const std::string name = table.substr(0, table.find(' '));
     Connection& database = databases_.try_emplace(path, nullptr, &sqlite3_close).first->second;
-    const bool isNew = database == nullptr;
-    if (isNew) {
-      database = plainConnection(home_.path(path));
+    if (database == nullptr) {
+      database = plainConnection(isDatabase ? home_.path(path) : ":memory:");
     }
-    if (!rows) {
-      plainly(database, isNew ? "" : "COMMIT;");
-      plainly(database, (table.starts_with("PRAGMA") ? "" : "CREATE TABLE ") + table);
-    }
-    if (isNew || !rows) {
+    const bool isTable = !table.starts_with("PRAGMA");
+    if (isTable && sqlite3_get_autocommit(database.get()) != 0) {
       plainly(database, "BEGIN;");
     }
-    for (const std::string& values : split(replaced(rows.value_or(""), "; ", "\n"), '\n')) {
-      plainly(database, "INSERT INTO " + table + " VALUES (" + values + ");");
-      const auto number = std::to_string(sqlite3_last_insert_rowid(database.get()));
-      home_.items_.push_back(
-          {fate, path,
-           "SELECT * FROM " + table.substr(0, table.find(' ')) + " WHERE rowid = " + number});
+    if (fate == "+") {
+      plainly(database, (isTable ? "CREATE TABLE " : "") + std::exchange(table, name));
+    }
+    static const std::regex ownFate("([A-Z*-][a-z]*) (.*)");
+    for (const std::string& row : split(replaced(rows.value_or(""), "; ", "\n"), '\n')) {
+      std::smatch parts;
+      const bool hasOwn = std::regex_match(row, parts, ownFate);
+      const std::string values = hasOwn ? parts.str(2) : row;
+      std::string key;
+      if (isDatabase) {
+        plainly(database, "INSERT INTO " + table + " VALUES (" + values + ");");
+        key = "SELECT * FROM " + name +
+              " WHERE rowid = " + std::to_string(sqlite3_last_insert_rowid(database.get()));
+      } else {
+        key = plainly(database, "SELECT " + values).front();
+      }
+      home_.items_.push_back({hasOwn ? parts.str(1) : fate, path, key});
     }
   }
 
   MacHome& home_;
   std::map<std::string, Connection> databases_;
-  std::set<std::string> cookieFiles_;
 };
 
 MacHome& MacHome::add(const std::string& lines) {

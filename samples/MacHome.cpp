@@ -67,10 +67,11 @@ MacHome MacHome::copyTo(const fs::path& volume) const {
   return copy;
 }
 
-bool SampleItem::goesFor(const std::string& browser, bool removeAll) const {
+bool SampleItem::goesFor(const std::string& browser, bool removeAll, bool secure) const {
   const auto number = std::ranges::find(kEveryBrowser, browser) - kEveryBrowser.begin();
   const char letter = "SWGCKFO"[number];
-  return letter != 0 && (is('*') || is(letter)) && (!is('k') || removeAll);
+  return letter != 0 && (is('*') || is(letter)) && !is(removeAll ? 'e' : 'k') &&
+         !(secure && (is('s') || is('w')));
 }
 
 void MacHome::writeFile(const std::string& path, const std::string& contents) const {

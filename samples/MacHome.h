@@ -15,9 +15,9 @@ inline const std::vector<std::string> kEveryBrowser = {
 /// One thing in a sample home: a file, a folder, a link, a cookie, a row of a database.
 struct SampleItem {
   /// A letter for each browser whose run removes it, in the order above SWGCKFO, * for all of them
-  /// and - for none. Behind them k for a kept site's, which goes only where every site goes, a for
-  /// a file that is removed by itself, not with a folder, and s for a socket, which cannot be
-  /// overwritten, or w for what stays with one.
+  /// and - for none. Behind them k for a kept site's, which goes only where every site goes, e for
+  /// what stays just there, a for a file that is removed by itself, not with a folder, and s for a
+  /// socket, which cannot be overwritten, or w for what stays with one.
   std::string fate;
   /// Where it is, relative to the volume.
   std::string path;
@@ -27,9 +27,9 @@ struct SampleItem {
 
   bool is(char letter) const { return fate.find(letter) != fate.npos; }
 
-  /// Whether it goes in a run for `browser`, or in one that keeps no site. For another name none
-  /// does.
-  bool goesFor(const std::string& browser, bool removeAll = false) const;
+  /// Whether it goes in a run for `browser`, or in one that keeps no site, or overwrites. For
+  /// another name none does.
+  bool goesFor(const std::string& browser, bool removeAll = false, bool secure = false) const;
 };
 
 /// A site of the sample home.

@@ -11,7 +11,7 @@ void addPasswords(const MacHome& home);
 void addProfileLists(const MacHome& home);
 void addStores(MacHome& home);
 
-/// Lines that put cookies into the store of every browser. In `cookies`, L stands for the browser's
+/// Lines that put cookies into the store of every browser. In `cookies`, % stands for the browser's
 /// letter, and each line is a fate, "STORE", host and name as SQL, and "REST".
 std::string cookieLines(const std::string& cookies);
 

@@ -58,31 +58,31 @@ constexpr const char* kChromiumData = R"(
 - {Bookmarks,IndexedDB/origin/000003.log,Local Storage/leveldb/000003.log}
 + Origin Bound Certs: origin_bound_certs (origin TEXT NOT NULL UNIQUE PRIMARY KEY, private_key BLOB,
   cert BLOB, cert_type INTEGER, expiration_time INTEGER, creation_time INTEGER)
-Lk Origin Bound Certs: origin_bound_certs (origin, cert): 'example.com', x'ff'; 'example.co.uk', x'00'
-L Origin Bound Certs: origin_bound_certs (origin, cert): 'www.example.com', x'ff'; 'example.org', x'ff'
+%k Origin Bound Certs: origin_bound_certs (origin, cert): 'example.com', x'ff'; 'example.co.uk', x'00'
+% Origin Bound Certs: origin_bound_certs (origin, cert): 'www.example.com', x'ff'; 'example.org', x'ff'
 + databases/Databases.db: Databases (id INTEGER PRIMARY KEY AUTOINCREMENT, origin TEXT NOT NULL,
   name TEXT NOT NULL, description TEXT NOT NULL DEFAULT '', estimated_size INTEGER NOT NULL DEFAULT 0)
-L databases/https_@_0/0001.db
-L databases/Databases.db: Databases (origin, name): 'https_@_0', 'data'
+% databases/https_@_0/0001.db
+% databases/Databases.db: Databases (origin, name): 'https_@_0', 'data'
 - databases/chrome-extension_abcdefghijklmnop_0/0001.db
 - databases/Databases.db: Databases (origin, name): 'chrome-extension_abcdefghijklmnop_0', 'data'
-Lka Local Storage/https_@_0.localstorage{,-journal}
+%ka Local Storage/https_@_0.localstorage{,-journal}
 EXTENSION Local Storage/chrome-extension_abcdefghij_0.localstorage{,-journal}
 )";
 
 constexpr const char* kChromiumProfiles = R"(
 = Library/Application Support/ROOT/{Default,Profile 1}/
-L Application Cache/{GPUCache/data_0,Index}
+% Application Cache/{GPUCache/data_0,Index}
 - GPUCache/data_0
 = Library/Application Support/ROOT/{Default,Profile 1}/Pepper Data/Shockwave Flash/WritableRoot/
-Lk #SharedObjects/7YUL8MEX/{,macromedia.com/support/flashplayer/sys/#}@/game.sol
-L #SharedObjects/7YUL8MEX/macromedia.com/support/flashplayer/sys/##group/grouped.example.net/a.sol
+%k #SharedObjects/7YUL8MEX/{,macromedia.com/support/flashplayer/sys/#}@/game.sol
+% #SharedObjects/7YUL8MEX/macromedia.com/support/flashplayer/sys/##group/grouped.example.net/a.sol
 - #SharedObjects/7YUL8MEX/macromedia.com/support/flashplayer/sys/settings.sol
 = Library/Caches/ROOT/
-L {Default,Profile 1}/Cache/data_1
+% {Default,Profile 1}/Cache/data_1
 - Guest Profile/Cache/data_1
 = Library/Application Support/
-L ROOTPepper Data/Shockwave Flash/CacheWritableAdobeRoot/asset
+% ROOTPepper Data/Shockwave Flash/CacheWritableAdobeRoot/asset
 - ROOT/Pepper Data/Shockwave Flash/CacheWritableAdobeRoot/asset
 )";
 
@@ -96,8 +96,8 @@ O /../../Caches/com.operasoftware.Opera/Cache/data_1
 constexpr const char* kMozillaData = R"(
 = Library/Application Support/ROOT/
 + webappsstore.sqlite: webappsstore2 (scope TEXT, key TEXT, value TEXT, secure INTEGER, owner TEXT)
-Lk webappsstore.sqlite: webappsstore2: '@reversed.:https:443', 'first', 'value', 0, ''
-Lk webappsstore.sqlite: webappsstore2: '@reversed.:https:443', 'second', 'value', 0, ''
+%k webappsstore.sqlite: webappsstore2: '@reversed.:https:443', 'first', 'value', 0, ''
+%k webappsstore.sqlite: webappsstore2: '@reversed.:https:443', 'second', 'value', 0, ''
 )";
 
 constexpr const char* kFirefox = R"(
@@ -143,14 +143,14 @@ constexpr const char* kCookieTables = R"(
 
 // Of every site an ordinary and a tracking cookie; an apostrophe; a host that is no site.
 constexpr const char* kCookies = R"(
-Lk STORE'@', 'session'REST
-L STORE'.@', '__utmz'REST
-L STORE'o''neil.example', 'theme'REST
+%k STORE'@', 'session'REST
+% STORE'.@', '__utmz'REST
+% STORE'o''neil.example', 'theme'REST
 - STORE'^internal', 'NID'REST
 )";
 
 std::string dataOf(const char* lines, const std::string& letter, const std::string& root) {
-  return replaced(replaced(lines, "\nL", "\n" + letter), "ROOT", root);
+  return replaced(replaced(lines, "%", letter), "ROOT", root);
 }
 
 }  // namespace

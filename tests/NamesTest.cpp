@@ -5,7 +5,7 @@
 
 #include "keep/WorkerExtras.h"
 #include "samples/BinaryCookieWriter.h"
-#include "tests/support/WorkerTest.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 namespace {

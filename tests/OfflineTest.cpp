@@ -5,7 +5,7 @@
 #include "platform/offline/ArgumentDomain.h"
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
-#include "tests/support/WorkerTest.h"
+#include "tests/support/Testing.h"
 
 namespace tasselby {
 namespace {

@@ -1,24 +1,76 @@
-// Whole runs of the worker's binary over a home with everything in it. What is to become of an item
-// stands where the item is made; here it is only compared.
+// Whole runs of the worker's binary over homes with everything in them, and previews of the same
+// runs. What is to become of an item stands where the item is made; here it is only compared.
+#include <nlohmann/json.hpp>
 #include <tuple>
 
 #include "samples/NotificationBus.h"
-#include "tests/support/Fates.h"
 #include "tests/support/OddHome.h"
 
 namespace tasselby {
 namespace {
 
+using Json = nlohmann::json;
+
+const std::string kFilm = "Library/Caches/QuickTime/downloads/film.mov";
+
 class WholeRun : public ::testing::TestWithParam<std::tuple<std::string, bool, bool>> {
  protected:
-  void run(const std::string& home, const std::string& browser, bool removeAll, bool secure) const {
+  WorkerRun run(const std::string& home, const Names& command) const {
+    return runWorker(command, home, bus.address(), fs::exists(home) ? home + "/../.." : ".");
+  }
+
+  /// Expects the preview `json` of a run over `home` to announce what goes, that alone, and each
+  /// once: files by their path, cookies and rows by that of their store and what they hold.
+  void expectAnnounced(const Json& json, const MacHome& home, const std::string& browser,
+                       bool removeAll, bool secure) const {
+    std::multimap<std::string, std::string> going;
+    for (std::size_t i = 0; const auto& contents : home.contents()) {
+      const SampleItem& item = home.items()[i++];
+      if (item.goesFor(browser, removeAll, secure)) {
+        going.emplace(home.path(item.path), item.key.empty() ? "" : "|" + *contents + "|");
+      }
+    }
+    for (const Json& place : json["places"]) {
+      for (const Json& item : place["items"]) {
+        const std::string what = item["what"], name = item["name"];
+        const auto isOf = [&](const auto& row) {
+          return row.second.find("|" + what + "|") != what.npos &&
+                 (name.empty() || row.second.find("|" + name + "|") != name.npos);
+        };
+        const bool isFile = place["unit"] == "files";
+        const auto [first, last] = going.equal_range(isFile ? what : std::string(place["path"]));
+        const auto row = isFile ? first : std::find_if(first, last, isOf);
+        EXPECT_TRUE(row != last || (isFile && fs::is_directory(what))) << place["path"] << item;
+        // A store that goes as a file takes its rows along.
+        going.erase(row, row == last ? last : isFile ? last : std::next(row));
+      }
+    }
+    EXPECT_TRUE(going.empty()) << going.begin()->first << going.begin()->second;
+  }
+
+  /// Expects a preview to announce what goes and to change nothing, and a run to let every item
+  /// meet its fate. Answers the report of both.
+  std::string expectFates(const MacHome& home, const std::string& browser, bool removeAll,
+                          bool secure) const {
     const auto answer = [](bool yes) { return yes ? "YES" : "NO"; };
-    const WorkerRun result =
-        runWorker({WORKER_BINARY, "-removeAll", answer(removeAll), "-secureDeleteData",
-                   answer(secure), "-x", browser, "Opera"},
-                  home, bus.address(), fs::path(home).parent_path().parent_path());
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.output, "");
+    Names command = {PREVIEW_BINARY, "-removeAll", answer(removeAll), "-secureDeleteData",
+                     answer(secure), "-x",         browser,           "Opera",
+                     "--json"};
+    const Fates fates(home);
+    const Json json = Json::parse(run(home.home(), command).output);
+    fates.expectMet("");
+    expectAnnounced(json, home, browser, removeAll, secure);
+    command.front() = WORKER_BINARY;
+    command.pop_back();
+    const WorkerRun real = run(home.home(), command);
+    EXPECT_EQ(real.status, 0);
+    EXPECT_EQ(real.output, "");
+    fates.expectMet(browser, removeAll, secure);
+    const auto received = bus.received();
+    EXPECT_EQ(received.size(), 1U);
+    EXPECT_EQ(received.at(0).summary, "Tasselby");
+    EXPECT_EQ(received[0].body, json["report"]);
+    return received[0].body;
   }
 
   NotificationBus bus;
@@ -27,89 +79,128 @@ class WholeRun : public ::testing::TestWithParam<std::tuple<std::string, bool, b
 TEST_P(WholeRun, EveryItemMeetsTheFateWrittenBesideIt) {
   const OddHome odd;
   const auto& [browser, removeAll, secure] = GetParam();
-  const Fates fates(odd.home);
-  run(odd.home.home(), browser, removeAll, secure);
-  fates.expectMet(browser, removeAll, secure);
-  const auto received = bus.received();
-  ASSERT_EQ(received.size(), 1U);
-  EXPECT_EQ(received[0].summary, "Tasselby");
-  EXPECT_EQ(received[0].body, odd.report(browser, removeAll));
+  EXPECT_EQ(expectFates(odd.home, browser, removeAll, secure), odd.report(browser, removeAll));
+}
+
+// What a home with everything in it cannot show: caches that are plain files, links to stores,
+// names for which no statement is run, tables without a row that goes, a folder of Silverlight
+// stores that becomes empty, with which the whole plug-in goes.
+constexpr const char* kSmallHome = R"(
+= Library/Caches/
+Sa com.apple.Safari/fsCachedData
+Ka {Camino/Cache,Metadata/Camino}
+Oa com.operasoftware.Opera
+*a {Adobe/Flash Player/AssetCache,QuickTime/downloads}
+- {Camino,QuickTime}/other
+= Library/Application Support/
+Oa com.operasoftware.Opera{/GPUCache,/Application Cache,Pepper Data/Shockwave Flash/CacheWritableAdobeRoot}
+Ga Google/ChromePepper Data/Shockwave Flash/CacheWritableAdobeRoot
+Ca ChromiumPepper Data/Shockwave Flash/CacheWritableAdobeRoot
+* Microsoft/Silverlight/is/a/b/{1/s/store/id.dat = gone.example,2/s/store/id.dat = two.example}
+* Microsoft/Silverlight/{is/a/b/3/s/store/id.dat = www.example.com,other/file}
+- {com.operasoftware.Opera,Microsoft/Office}/other
++ Camino/webappsstore.sqlite: webappsstore2 (scope, key): Ke '', 1; Kk 'moc.elpmaxe.:http:80', 1
+G Google/Chrome/Default/Application Cache > ../../../../cache
+- ../cache/GPUCache/file
++ Google/Chrome/Default/Cookies: cookies (host_key, name, creation_utc INTEGER):
+  G 'gone.example', 'a', 1; G 'gone.example', 'b', 2
+- Google/Chrome/Profile 1/Cookies > ../Default/Cookies
++ Chromium/Default/databases/Databases.db: Databases (origin):
+  - 'http_b'') OR (''1''=''1_0'; - 'http_c_0'
+C Chromium/Default/databases/http_b') OR ('1'='1_0/1.db
+= Library/
+S Cookies/Cookies.binarycookies: 'gone.example', 'a'
+- Containers/com.apple.Safari/Data/Library/Cookies > ../../../../Cookies
++ Safari/Databases/Databases.db: Origins (origin): S ''
+- Safari/LocalStorage/it's of no site
++ Safari/LocalStorage/StorageTracker.db: Origins (origin): - 'without a file'
+)";
+
+TEST_P(WholeRun, ItemsOfASmallHomeMeetTheirFates) {
+  const ScratchHome scratch;
+  MacHome home(scratch.volume(), 0);
+  home.add(kSmallHome);
+  const auto& [browser, removeAll, secure] = GetParam();
+  const std::string report = expectFates(home, browser, removeAll, secure);
+  EXPECT_NE(report.find(" 1 Silverlight"), report.npos) << report;
 }
 
 INSTANTIATE_TEST_SUITE_P(All, WholeRun,
                          ::testing::Combine(::testing::ValuesIn(kEveryBrowser), ::testing::Bool(),
                                             ::testing::Bool()));
 
-/// Caches that are folders in most homes. As plain files they show whether they are overwritten.
-constexpr const char* kPlainCaches = R"(
-= Library/Caches/
-Sa com.apple.Safari/fsCachedData
-Ka {Camino/Cache,Metadata/Camino}
-Oa com.operasoftware.Opera
-*a {Adobe/Flash Player/AssetCache,QuickTime/downloads}
-- {Camino,QuickTime,../Application Support/com.operasoftware.Opera}/other
-= Library/Application Support/
-Oa com.operasoftware.Opera{/GPUCache,/Application Cache,Pepper Data/Shockwave Flash/CacheWritableAdobeRoot}
-Ga Google/ChromePepper Data/Shockwave Flash/CacheWritableAdobeRoot
-Ca ChromiumPepper Data/Shockwave Flash/CacheWritableAdobeRoot
-)";
-
-TEST_F(WholeRun, OverwritesCachesThatAreFiles) {
-  for (const std::string& browser : kEveryBrowser) {
-    const ScratchHome scratch;
-    MacHome plain(scratch.volume(), 0);
-    plain.add(kPlainCaches);
-    const Fates fates(plain);
-    run(plain.home(), browser, false, true);
-    fates.expectMet(browser, false, true);
-  }
-}
-
-class RunTest : public ::testing::Test {
- protected:
-  /// Runs the worker, expects it to end with `status`, and what there is on the volume not to
-  /// change.
-  void expectNothingRemoved(const std::string& browser, int status) const {
-    const auto before = scratch.snapshot();
-    const WorkerRun result = runWorker({WORKER_BINARY, browser}, scratch.home());
-    EXPECT_EQ(result.status, status) << browser;
-    EXPECT_EQ(result.output, "");
-    EXPECT_EQ(scratch.snapshot(), before) << browser;
-  }
-
+TEST_F(WholeRun, MakesNothingInAnEmptyHomeAndRemovesNothingForOtherNames) {
   ScratchHome scratch;
-};
+  const MacHome home(scratch.volume(), 0);
+  const auto expectUnchanged = [&](const Names& names) {
+    const auto before = scratch.snapshot();
+    for (const std::string& name : names) {
+      EXPECT_EQ(run(home.home(), {WORKER_BINARY, name}).status, 0);
+      EXPECT_EQ(scratch.snapshot(), before) << name;
+    }
+  };
+  for (const char* folder :
+       {"Google/Chrome/Default", "Chromium/Profile 1", "com.operasoftware.Opera", "Camino",
+        "Firefox/Profiles/p", "../Safari/Databases", "../Safari/LocalStorage"}) {
+    scratch.folder(kSupport + folder);
+  }
+  expectUnchanged(kEveryBrowser);
+  scratch.file("Library/Caches/Camino/Cache/in").file(kFilm);
+  expectUnchanged({"-x", "safari", "Chrome", "Camino ", ""});
+}
 
-TEST_F(RunTest, MakesNothingInAnEmptyHome) {
-  MacHome home(scratch.volume(), 0);
-  for (const char* root : {"Google/Chrome/Default", "Chromium/Profile 1", "com.operasoftware.Opera",
-                           "Camino", "Firefox/Profiles/p", "../Safari/Databases"}) {
-    scratch.folder(kSupport + root);
-  }
-  scratch.folder("Library/Safari/LocalStorage");
-  for (const std::string& browser : kEveryBrowser) {
-    expectNothingRemoved(browser, 0);
-  }
-  scratch.file("Library/Caches/Camino/Cache/in").file("Library/Caches/QuickTime/downloads/in");
-  for (const char* refused : {"-x", "safari", "Chrome", "Camino ", ""}) {
-    expectNothingRemoved(refused, 0);
+TEST_F(WholeRun, EndsHardWithoutAListOfProfilesOrAtAStoreWithoutASite) {
+  const std::string store = kSupport + "Microsoft/Silverlight/is/a/b/c/s/bad";
+  for (const auto& [browser, place, file, contents] :
+       {std::tuple{"Google Chrome", kSupport + "Google/Chrome/Local State", "/folder", ""},
+        {"Chromium", kSupport + "Chromium/Local State", "", "{\"\xFF\": 1}"},
+        {"Camino", store, "/id.dat", "file:///"},
+        {"Safari", store, "/id.dat", "\xFF"},
+        {"Opera", store, "/other", ""}}) {
+    ScratchHome scratch;
+    const MacHome home(scratch.volume());
+    fs::remove(scratch.path(place));
+    scratch.file(place + file, contents);
+    const auto before = scratch.snapshot();
+    const WorkerRun preview = run(home.home(), {PREVIEW_BINARY, browser, "--json"});
+    EXPECT_EQ(Json::parse(preview.output)["endsHardAt"], scratch.path(place));
+    EXPECT_EQ(scratch.snapshot(), before);
+    const WorkerRun real = run(home.home(), {WORKER_BINARY, browser});
+    EXPECT_EQ(std::pair(real.status, preview.status), std::pair(70, 70)) << browser;
+    EXPECT_EQ(real.output, "");
+    // Caches come behind all else, and a list of profiles before.
+    EXPECT_TRUE(scratch.has(kFilm) && scratch.has(place + file));
+    EXPECT_TRUE(place == store || scratch.snapshot() == before) << browser;
   }
 }
 
-TEST_F(RunTest, EndsHardWithoutAListOfProfilesOrAtAStoreWithoutASite) {
-  const MacHome sample(scratch.volume());
-  const std::string list = scratch.path(kSupport + "Google/Chrome/Local State");
-  fs::remove(list);
-  fs::create_directory(list);
-  expectNothingRemoved("Google Chrome", 70);
-  sample.writeFile(kSupport + "Chromium/Local State", "{\"\xFF\": 1}");
-  expectNothingRemoved("Chromium", 70);
-  for (const char* identity : {"file:///", "\xFF"}) {
-    sample.writeFile(kSupport + "Microsoft/Silverlight/is/a/b/c/s/bad/id.dat", identity);
-    EXPECT_EQ(runWorker({WORKER_BINARY, "Camino"}, scratch.home()).status, 70);
-    EXPECT_TRUE(scratch.has("Library/Caches/Camino/Cache")) << "caches come behind it";
-    EXPECT_TRUE(scratch.has(kSupport + "Microsoft/Silverlight/is/a/b/c/s/bad"));
+TEST_F(WholeRun, PreviewRefusesBadInputInOneLine) {
+  const ScratchHome scratch;
+  const std::string home = scratch.home();
+  for (const auto& [place, command] : std::multimap<std::string, Names>{
+           {home, {PREVIEW_BINARY}},
+           {home, {PREVIEW_BINARY, "firefox"}},
+           {"", {PREVIEW_BINARY, "Camino"}},
+           {home + "/none", {PREVIEW_BINARY, "Camino"}},
+           {home, {"/usr/bin/env", "TMPDIR=" + home + "/none", PREVIEW_BINARY, "Camino"}}}) {
+    const WorkerRun refused = run(place, command);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(std::ranges::count(refused.output, '\n'), 1) << refused.output;
   }
+}
+
+TEST_F(WholeRun, PreviewLeavesNothingBehindWhereverASignalEndsIt) {
+  const OddHome odd;
+  const ScratchHome folder;
+  int status = 124;
+  // The run is over when what removes the scratch folder lets go of the output as well.
+  for (double seconds = 0.0005; status == 124; seconds *= 2) {
+    status = run(odd.home.home(), {"/usr/bin/env", "TMPDIR=" + folder.home(), "timeout", "-s",
+                                   "HUP", std::to_string(seconds), PREVIEW_BINARY, "Safari"})
+                 .status;
+    EXPECT_EQ(folder.list(""), Names{}) << seconds;
+  }
+  EXPECT_EQ(status, 0);
 }
 
 }  // namespace

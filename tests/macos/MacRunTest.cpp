@@ -3,7 +3,6 @@
 #include <sstream>
 #include <utility>
 
-#include "tests/support/Fates.h"
 #include "tests/support/OddHome.h"
 
 namespace tasselby {

@@ -1,4 +1,4 @@
-#include "tests/support/Fates.h"
+#include "tests/support/OddHome.h"
 
 namespace tasselby {
 namespace {
@@ -28,19 +28,17 @@ Fates::Fates(const MacHome& home) : home_(home), entries_(snapshotOf(home.volume
 
 void Fates::expectMet(const std::string& browser, bool removeAll, bool secure,
                       const Names& foreign) const {
-  const auto witnesses = snapshotOf(witnesses_);
-  const auto entries = snapshotOf(home_.volume());
-  const auto items = home_.contents();
-  const auto isForeign = [&foreign](const std::string& path) {
+  const auto isForeign = [&foreign](const auto& path) {
     return std::ranges::any_of(foreign,
                                [&](const auto& part) { return path.find(part) != path.npos; });
   };
+  const auto witnesses = snapshotOf(witnesses_);
+  const auto items = home_.contents();
   std::set<std::string> going;
   for (std::size_t i = 0; i < items.size(); ++i) {
     const SampleItem& item = home_.items()[i];
     const std::string label = item.path + " " + item.key;
-    const bool stays = secure && (item.is('s') || item.is('w'));
-    const bool goes = item.goesFor(browser, removeAll) && !stays && !isForeign(item.path);
+    const bool goes = item.goesFor(browser, removeAll, secure) && !isForeign(item.path);
     EXPECT_TRUE(items_[i]) << label;
     EXPECT_EQ(items[i], goes ? std::nullopt : items_[i]) << label;
     const auto bytes = witnesses.find(std::to_string(i));
@@ -53,20 +51,20 @@ void Fates::expectMet(const std::string& browser, bool removeAll, bool secure,
       going.insert(item.path);
     }
   }
+  const auto entries = snapshotOf(home_.volume());
   for (const auto& [path, contents] : entries_) {
     const auto now = entries.find(path);
-    if (!going.contains(path) && !isForeign(path)) {
-      EXPECT_TRUE(now == entries.end() ? contents == "/" && !staysEmpty(path)
-                                       : now->second == contents)
-          << path << " has changed or gone";
-    }
+    EXPECT_TRUE(going.contains(path) || (now == entries.end() ? contents == "/" && !staysEmpty(path)
+                                                              : now->second == contents))
+        << path << " has changed or gone";
   }
   for (const auto& [path, contents] : entries) {
-    EXPECT_TRUE(entries_.contains(path) || isForeign(path)) << path << " is new";
     const auto next = entries.upper_bound(path + "/");
-    EXPECT_TRUE(contents != "/" || staysEmpty(path) || isForeign(path) ||
-                (next != entries.end() && next->first.starts_with(path + "/")))
-        << path << " is empty";
+    EXPECT_TRUE(isForeign(path) ||
+                (entries_.contains(path) &&
+                 (contents != "/" || staysEmpty(path) ||
+                  (next != entries.end() && next->first.starts_with(path + "/")))))
+        << path << " is new or empty";
   }
 }
 

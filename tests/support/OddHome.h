@@ -19,4 +19,26 @@ struct OddHome {
   std::string report(const std::string& browser, bool removeAll) const;
 };
 
+/// What a home holds before a run, to be held against what it holds afterwards.
+class Fates {
+ public:
+  /// Gives every file that is an item a second name beside the volume of `home`, by which its bytes
+  /// are seen after it has gone.
+  explicit Fates(const MacHome& home);
+  Fates(const Fates&) = delete;
+  Fates& operator=(const Fates&) = delete;
+  ~Fates() { fs::remove_all(witnesses_); }
+
+  /// Expects that in a run for `browser` every item has met its fate, and that nothing else has
+  /// come, gone or changed but what has one of `foreign` in its path.
+  void expectMet(const std::string& browser, bool removeAll = false, bool secure = false,
+                 const Names& foreign = {}) const;
+
+ private:
+  const MacHome& home_;
+  const std::string witnesses_ = home_.volume() + "-witnesses";
+  const std::vector<std::optional<std::string>> items_ = home_.contents();
+  std::map<std::string, std::string> entries_;
+};
+
 }  // namespace tasselby
