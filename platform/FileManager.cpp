@@ -24,13 +24,13 @@ constexpr const char* kNowhere = "/dev/null";
 
 /// The type bits of what the system finds at `path`; 0 when that is nothing.
 mode_t typeAt(const std::string& path, bool followLinks) {
-  struct stat status{};
+  struct stat status = {};
   const int result = followLinks ? ::stat(path.c_str(), &status) : ::lstat(path.c_str(), &status);
   return result == 0 ? status.st_mode & S_IFMT : 0;
 }
 
 std::optional<std::string> readAll(int descriptor, std::size_t limit) {
-  struct stat status{};
+  struct stat status = {};
   if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
       static_cast<std::uintmax_t>(status.st_size) > limit) {
     return std::nullopt;

@@ -47,7 +47,7 @@ Folder openFolder(int parent, const char* name) {
 bool unlinked(int parent, const char* name) {
 #ifndef __linux__
   // A superuser's call may tear a folder out of the tree with all that is in it.
-  struct stat status{};
+  struct stat status = {};
   if (::geteuid() == 0 && ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
       S_ISDIR(status.st_mode)) {
     return false;

@@ -35,7 +35,7 @@ bool takeOver(int descriptor, const struct stat& old) {
 }  // namespace
 
 bool replaceFile(const std::string& path, std::string_view bytes) {
-  struct stat old{};
+  struct stat old = {};
   if (::lstat(path.c_str(), &old) != 0 || !S_ISREG(old.st_mode)) {
     return false;
   }

@@ -66,7 +66,7 @@ bool SecureDelete::wipe_phase(const FileManager& files, const std::string& path,
     return false;
   }
   // Deliberate: the descriptor stays open on the two ways out before the writing.
-  struct stat status{};
+  struct stat status = {};
   if (::fstat(descriptor, &status) != 0) {
     return false;
   }

@@ -31,7 +31,7 @@ constexpr int kMost = std::numeric_limits<int>::max();  // SQLite lowers it to i
 /// What the file takes on the disk, as a sparse one claims any size; where the system counts no
 /// blocks, what it claims. 0 when it is missing.
 std::int64_t sizeOf(const char* path) {
-  struct stat status{};
+  struct stat status = {};
   const bool isCounted = ::stat(path, &status) == 0 && status.st_blocks != 0;
   return isCounted ? status.st_blocks * 512 : status.st_size;
 }
