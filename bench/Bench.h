@@ -1,8 +1,11 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "samples/TemporaryFolder.h"
 
 namespace tasselby {
 
@@ -18,9 +21,8 @@ struct Comparison {
 
 /// What a child process used.
 struct Usage {
-  /// User and system time, and elapsed time, in seconds.
+  /// User and system time, in seconds.
   double processor = 0;
-  double elapsed = 0;
   /// The largest resident set, in bytes.
   double memory = 0;
 };
@@ -46,17 +48,15 @@ double ratioInTurns(const std::vector<std::string>& command, const std::string& 
 /// folder may be in memory.
 class Scratch {
  public:
-  Scratch();
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-  ~Scratch();
-
   /// The full path of `path`, whose folders are made.
   std::string path(const std::string& path) const;
 
  private:
-  std::string root_;
+  TemporaryFolder folder_{"build"};
 };
+
+/// Makes a cache of `files` small files in a hundred folders.
+void makeCache(const std::filesystem::path& folder, int files);
 
 // The benchmarks by room. `worker` is the path of the worker's binary.
 

@@ -1,11 +1,11 @@
 // What a large result weighs beside the values in it.
 
 #include <malloc.h>
-#include <sqlite3.h>
 #include <string>
 #include <vector>
 
 #include "bench/Bench.h"
+#include "samples/PlainSqlite.h"
 #include "storage/Sqlite.h"
 
 namespace tasselby {
@@ -13,24 +13,19 @@ namespace {
 
 constexpr int kCookies = 100'000;
 
-/// A cookie store of Firefox, with `kCookies` in it.
+/// Makes a cookie store of Firefox, with `kCookies` in it.
 void makeCookies(const std::string& path) {
-  sqlite3* connection = nullptr;
-  sqlite3_open(path.c_str(), &connection);
-  // Used as it is, a connection has no bounds.
-  Sqlite store;
-  store.set_db(connection);
-  store.executeNonQuery(
-      "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, originAttributes TEXT NOT NULL DEFAULT '',"
-      " name TEXT, value TEXT, host TEXT, path TEXT, expiry INTEGER, lastAccessed INTEGER,"
-      " creationTime INTEGER, isSecure INTEGER, isHttpOnly INTEGER, inBrowserElement INTEGER"
-      " DEFAULT 0, sameSite INTEGER DEFAULT 0, rawSameSite INTEGER DEFAULT 0, schemeMap INTEGER"
-      " DEFAULT 0, CONSTRAINT moz_uniqueid UNIQUE (name, host, path, originAttributes))");
-  store.executeNonQuery(
-      "WITH c(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM c WHERE i < " + std::to_string(kCookies) +
-      ") INSERT INTO moz_cookies SELECT i, '', 'name' || i, hex(randomblob(16)),"
-      " '.www.site' || (i % 5000) || '.example', '/', 1800000000 + i, 1700000000000000 + i,"
-      " 1600000000000000 + i, 1, i % 2, 0, 1, 1, 2 FROM c");
+  plainly(path,
+          "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, originAttributes TEXT NOT NULL DEFAULT"
+          " '', name TEXT, value TEXT, host TEXT, path TEXT, expiry INTEGER, lastAccessed INTEGER,"
+          " creationTime INTEGER, isSecure INTEGER, isHttpOnly INTEGER, inBrowserElement INTEGER"
+          " DEFAULT 0, sameSite INTEGER DEFAULT 0, rawSameSite INTEGER DEFAULT 0, schemeMap INTEGER"
+          " DEFAULT 0, CONSTRAINT moz_uniqueid UNIQUE (name, host, path, originAttributes));"
+          "WITH c(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM c WHERE i < " +
+              std::to_string(kCookies) +
+              ") INSERT INTO moz_cookies SELECT i, '', 'name' || i, hex(randomblob(16)),"
+              " '.www.site' || (i % 5000) || '.example', '/', 1800000000 + i, 1700000000000000 + i,"
+              " 1600000000000000 + i, 1, i % 2, 0, 1, 1, 2 FROM c;");
 }
 
 std::size_t heapInUse() {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,20 +14,8 @@ namespace {
 
 struct Room {
   const char* name;
-  std::function<std::vector<Comparison>(const std::string& worker)> run;
+  std::vector<Comparison> (*run)(const std::string& worker);
 };
-
-bool print(const std::vector<Comparison>& comparisons) {
-  bool allHold = true;
-  for (const Comparison& line : comparisons) {
-    const bool holds = line.ratio <= line.bar;
-    allHold = allHold && holds;
-    std::printf("%-52s %-36s %8.3f %7.3g  %s\n", line.name.c_str(), line.peer.c_str(), line.ratio,
-                line.bar, holds ? "holds" : "MISSED");
-    std::fflush(stdout);
-  }
-  return allHold;
-}
 
 /// Runs the rooms in `names`, all of them when it is empty. Answers whether every bar held.
 bool runRooms(const std::string& worker, const std::vector<std::string>& names) {
@@ -37,11 +24,19 @@ bool runRooms(const std::string& worker, const std::vector<std::string>& names) 
       {"sqlite", sqliteBenchmarks},         {"cookies", cookieBenchmarks},
       {"webstorage", webStorageBenchmarks}, {"memory", memoryBenchmarks},
       {"whole", wholeRunBenchmarks}};
+  std::filesystem::create_directories("build");
   std::printf("%-52s %-36s %8s %7s\n", "worker", "peer", "ratio", "bar");
   bool allHold = true;
   for (const Room& room : rooms) {
-    if (names.empty() || std::ranges::count(names, room.name) != 0) {
-      allHold = print(room.run(worker)) && allHold;
+    if (!names.empty() && std::ranges::count(names, room.name) == 0) {
+      continue;
+    }
+    for (const Comparison& line : room.run(worker)) {
+      const bool holds = line.ratio <= line.bar;
+      allHold = allHold && holds;
+      std::printf("%-52s %-36s %8.3f %7.3g  %s\n", line.name.c_str(), line.peer.c_str(), line.ratio,
+                  line.bar, holds ? "holds" : "MISSED");
+      std::fflush(stdout);
     }
   }
   return allHold;

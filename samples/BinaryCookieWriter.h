@@ -1,11 +1,21 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "samples/SampleCookie.h"
-
 namespace tasselby {
+
+/// One cookie of a sample store.
+struct SampleCookie {
+  /// As a browser stores it, with or without a leading ".".
+  std::string domain;
+  std::string name;
+  std::string value = "value";
+  std::string path = "/";
+  /// 1 secure, 4 not for scripts.
+  std::uint32_t flags = 0;
+};
 
 /// The order of a record's strings. The system has used both.
 enum class StringOrder { kNameFirst, kDomainFirst };
@@ -15,5 +25,8 @@ enum class StringOrder { kNameFirst, kDomainFirst };
 std::string binaryCookieFile(const std::vector<SampleCookie>& cookies,
                              StringOrder order = StringOrder::kDomainFirst,
                              const std::string& tail = "");
+
+/// The lower 32 bits of `number`, the highest byte first.
+std::string bigEndian(std::uint64_t number);
 
 }  // namespace tasselby

@@ -47,8 +47,8 @@ std::optional<std::string> cut(std::string& text, const std::string& mark) {
   return rest;
 }
 
-std::string someContents(std::uint32_t seed) {
-  std::minstd_rand random(seed);
+std::string someContents(std::size_t seed) {
+  std::minstd_rand random(static_cast<std::uint32_t>(seed));
   std::string contents(200 + random() % 3000, '\0');
   for (char& byte : contents) {
     byte = static_cast<char>(random());
@@ -121,11 +121,9 @@ class MacHome::Lines {
       fs::create_symlink(*target, full);
     } else if (home_.items_.back().is('s')) {
       makeSocket(full.native(), home_.volume());
-    } else if (contents) {
-      home_.writeFile("/" + path,
-                      replaced(contents->substr(contents->empty() ? 0 : 1), "\\n", "\n"));
     } else {
-      home_.writeFile("/" + path, someContents(static_cast<std::uint32_t>(home_.items_.size())));
+      makeFile(full, contents ? replaced(contents->substr(contents->empty() ? 0 : 1), "\\n", "\n")
+                              : someContents(home_.items_.size()));
     }
   }
 

@@ -1,22 +1,17 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace tasselby {
 
-/// An internet password as a program saves it. What it leaves out is filled in empty, as the system
+/// An internet password as a program saves it. What is not here is filled in empty, as the system
 /// does.
 struct SavedPassword {
   std::string server = {};
   /// Four letters: "form" for a web form, "dflt" for most other programs.
   std::string authenticationType = "form";
   std::string account = "anna";
-  /// Four letters.
-  std::string protocol = "htps";
-  std::uint32_t port = 0;
-  std::string path = {};
 };
 
 /// The bytes of a keychain database with `passwords` in their order: the describing relations, no

@@ -1,8 +1,6 @@
 #include "samples/MacHome.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <random>
 #include <utility>
@@ -36,25 +34,11 @@ std::vector<SampleSite> makeSites(int scale) {
   return sites;
 }
 
-std::optional<std::string> fileContents(const std::string& path) {
-  const fs::file_status status = fs::symlink_status(path);
-  if (fs::is_symlink(status)) {
-    return fs::read_symlink(path).native();
-  }
-  if (!fs::is_regular_file(status)) {
-    return fs::exists(status) ? std::optional<std::string>("") : std::nullopt;
-  }
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 }  // namespace
 
 MacHome::MacHome(fs::path volume, int scale)
     : volume_(std::move(volume)), sites_(makeSites(scale)) {
-  addPreferences(*this);
-  addPasswords(*this);
-  addProfileLists(*this);
+  addSettings(*this);
   if (scale > 0) {
     addStores(*this);
   }
@@ -75,27 +59,24 @@ bool SampleItem::goesFor(const std::string& browser, bool removeAll, bool secure
 }
 
 void MacHome::writeFile(const std::string& path, const std::string& contents) const {
-  const fs::path full = volume_ / (path.starts_with("/") ? path.substr(1) : "Users/anna/" + path);
-  fs::create_directories(full.parent_path());
-  std::ofstream(full, std::ios::binary) << contents;
+  makeFile(volume_ / (path.starts_with("/") ? path.substr(1) : "Users/anna/" + path), contents);
 }
 
 std::vector<std::optional<std::string>> MacHome::contents() const {
   std::map<std::string, Connection> connections;
   std::vector<std::optional<std::string>> contents;
   for (const SampleItem& item : items_) {
-    std::optional<std::string> found = fileContents(path(item.path));
+    std::optional<std::string> found = entryAt(path(item.path));
     if (found && item.path.ends_with(".binarycookies")) {
       // Domain and name stand one behind the other, a NUL behind each.
       std::string texts = item.key + '\0';
       texts[texts.find('|')] = '\0';
       found = found->find(texts) != std::string::npos ? std::optional(item.key) : std::nullopt;
     } else if (found && !item.key.empty()) {
-      const auto at = connections.try_emplace(item.path, nullptr, &sqlite3_close).first;
-      if (at->second == nullptr) {
-        at->second = plainConnection(path(item.path));
+      if (!connections.contains(item.path)) {
+        connections.emplace(item.path, plainConnection(path(item.path)));
       }
-      const Names rows = plainly(at->second, item.key);
+      const Names rows = plainly(connections.at(item.path), item.key);
       found = rows.empty() ? std::nullopt : std::optional(rows.front());
     }
     contents.push_back(found);

@@ -2,7 +2,7 @@
 
 namespace tasselby {
 
-class NotificationBus::Service {};
+struct NotificationBus::Service {};
 
 NotificationBus::NotificationBus() = default;
 

@@ -11,7 +11,6 @@ struct ReceivedNotification {
   std::string application;
   std::string summary;
   std::string body;
-  std::vector<std::string> actions;
   /// Whether the service was asked to make no sound.
   bool isSilent = false;
 };
@@ -28,11 +27,11 @@ class NotificationBus {
   /// What a client needs in DBUS_SESSION_BUS_ADDRESS.
   std::string address() const;
 
-  /// What has come in so far.
+  /// What has come in so far: calls with no action and one hint, by clients that have gone.
   std::vector<ReceivedNotification> received() const;
 
  private:
-  class Service;
+  struct Service;
   std::unique_ptr<Service> service_;
 };
 

@@ -24,11 +24,8 @@ constexpr const char* kPreferences =
 
 }  // namespace
 
-void addPreferences(const MacHome& home) {
+void addSettings(const MacHome& home) {
   home.writeFile("Library/Preferences/com.marrowgatestudios.Tasselby.plist", kPreferences);
-}
-
-void addPasswords(const MacHome& home) {
   std::vector<SavedPassword> passwords = {
       {.server = "mail.example.org", .authenticationType = "dflt"},
       {.server = "printer.local"},
@@ -41,9 +38,6 @@ void addPasswords(const MacHome& home) {
     }
   }
   home.writeFile("Library/Keychains/login.keychain-db", keychainFile(passwords));
-}
-
-void addProfileLists(const MacHome& home) {
   for (const char* root : {"Google/Chrome", "Chromium"}) {
     home.writeFile(
         "Library/Application Support/" + std::string(root) + "/Local State",

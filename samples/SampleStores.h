@@ -6,9 +6,7 @@ namespace tasselby {
 
 /// The parts of a sample home. Each writes its files and adds its items.
 
-void addPreferences(const MacHome& home);
-void addPasswords(const MacHome& home);
-void addProfileLists(const MacHome& home);
+void addSettings(const MacHome& home);
 void addStores(MacHome& home);
 
 /// Lines that put cookies into the store of every browser. In `cookies`, % stands for the browser's

@@ -11,14 +11,28 @@
 namespace tasselby {
 namespace fs = std::filesystem;
 
-namespace {
-
 std::string bytesOf(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-}  // namespace
+std::optional<std::string> entryAt(const fs::path& path) {
+  switch (fs::symlink_status(path).type()) {
+    case fs::file_type::not_found:
+      return std::nullopt;
+    case fs::file_type::symlink:
+      return fs::read_symlink(path).native();
+    case fs::file_type::directory:
+      return "/";
+    default:
+      return bytesOf(path);
+  }
+}
+
+void makeFile(const fs::path& path, const std::string& contents) {
+  fs::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << contents;
+}
 
 void makeSocket(const std::string& path, const std::string& folder) {
   // An address has room for some hundred bytes: bound at a short path and moved from there.
@@ -37,10 +51,14 @@ ScratchHome::ScratchHome() {
   fs::create_directories(home());
 }
 
+std::string ScratchHome::made(const std::string& path) const {
+  const std::string full = this->path(path);
+  fs::create_directories(fs::path(full).parent_path());
+  return full;
+}
+
 ScratchHome& ScratchHome::file(const std::string& path, const std::string& contents) {
-  const fs::path full = this->path(path);
-  fs::create_directories(full.parent_path());
-  std::ofstream(full, std::ios::binary) << contents;
+  makeFile(this->path(path), contents);
   return *this;
 }
 
@@ -50,15 +68,12 @@ ScratchHome& ScratchHome::folder(const std::string& path) {
 }
 
 ScratchHome& ScratchHome::link(const std::string& path, const std::string& target) {
-  const fs::path full = this->path(path);
-  fs::create_directories(full.parent_path());
-  fs::create_symlink(target, full);
+  fs::create_symlink(target, made(path));
   return *this;
 }
 
 ScratchHome& ScratchHome::socket(const std::string& path) {
-  fs::create_directories(fs::path(this->path(path)).parent_path());
-  makeSocket(this->path(path), volume());
+  makeSocket(made(path), volume());
   return *this;
 }
 
@@ -76,19 +91,10 @@ Names ScratchHome::list(const std::string& path) const {
   return names;
 }
 
-std::string ScratchHome::contents(const std::string& path) const {
-  return bytesOf(this->path(path));
-}
-
 std::map<std::string, std::string> snapshotOf(const fs::path& folder) {
   std::map<std::string, std::string> entries;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    std::string& contents = entries[entry.path().lexically_relative(folder).native()];
-    if (entry.is_symlink()) {
-      contents = fs::read_symlink(entry.path()).native();
-    } else {
-      contents = entry.is_directory() ? "/" : bytesOf(entry.path());
-    }
+    entries[entry.path().lexically_relative(folder)] = entryAt(entry.path()).value_or("");
   }
   return entries;
 }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,17 @@ namespace tasselby {
 /// File names, or other texts, in an order that counts.
 using Names = std::vector<std::string>;
 
-/// Every entry below `folder` with its contents: "/" for a folder, the target of a link.
+/// The bytes of the file at `path`.
+std::string bytesOf(const std::filesystem::path& path);
+
+/// What is at `path`: the bytes of a file, "/" for a folder, the target of a link. No value when
+/// nothing is.
+std::optional<std::string> entryAt(const std::filesystem::path& path);
+
+/// Makes the file `path`, and the folders above it.
+void makeFile(const std::filesystem::path& path, const std::string& contents = "contents");
+
+/// Every entry below `folder`, as `entryAt` answers it.
 std::map<std::string, std::string> snapshotOf(const std::filesystem::path& folder);
 
 /// Makes a Unix socket, by way of `folder`, whose path is short. Nobody can open one for writing,
@@ -43,13 +54,15 @@ class ScratchHome {
   Names list(const std::string& path) const;
 
   /// The bytes of the file at `path`.
-  std::string contents(const std::string& path) const;
+  std::string contents(const std::string& path) const { return bytesOf(this->path(path)); }
 
   /// What there is on the volume.
   std::map<std::string, std::string> snapshot() const { return snapshotOf(root()); }
 
  private:
   const std::filesystem::path& root() const { return folder_.path(); }
+  /// The full path of `path`, whose folders it makes.
+  std::string made(const std::string& path) const;
 
   TemporaryFolder folder_;
 };

@@ -14,14 +14,14 @@ namespace {
 /// A container's is of 64 MiB, and the tests of one machine share it.
 constexpr std::uintmax_t kRoom = std::uintmax_t{512} << 20U;
 
-fs::path newFolder() {
-  const char* temporary = std::getenv("TMPDIR");
+fs::path newFolder(const char* parent) {
   std::error_code error;
   const fs::space_info memory = fs::space("/dev/shm", error);
-  for (const char* parent :
-       {!error && memory.available >= kRoom ? "/dev/shm" : nullptr, temporary, "/tmp"}) {
-    std::string pattern = std::string(parent != nullptr ? parent : "") + "/tasselby-XXXXXX";
-    if (parent != nullptr && ::mkdtemp(pattern.data()) != nullptr) {
+  const char* shared = !error && memory.available >= kRoom ? "/dev/shm" : nullptr;
+  for (const char* place :
+       {parent, shared, static_cast<const char*>(std::getenv("TMPDIR")), "/tmp"}) {
+    std::string pattern = std::string(place != nullptr ? place : "") + "/tasselby-XXXXXX";
+    if (place != nullptr && ::mkdtemp(pattern.data()) != nullptr) {
       return fs::canonical(pattern);
     }
   }
@@ -32,7 +32,7 @@ fs::path newFolder() {
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() : path_(newFolder()) {}
+TemporaryFolder::TemporaryFolder(const char* parent) : path_(newFolder(parent)) {}
 
 TemporaryFolder::~TemporaryFolder() {
   std::error_code ignored;
