@@ -13,29 +13,25 @@
 using namespace tasselby;
 
 OSStatus SecItemCopyMatching(CFDictionaryRef given, CFTypeRef* result) {
-  NSDictionary* wanted = (__bridge NSDictionary*)given;
-  const auto textAt = [wanted](NSString* key) -> std::optional<std::string> {
-    NSString* text = [wanted objectForKey:key];
+  const auto textAt = [given](NSString* key) -> std::optional<std::string> {
+    NSString* text = [given objectForKey:key];
     return text == nil ? std::nullopt : std::optional(utf8(text));
   };
-  KeychainQuery query;
-  query.service = textAt(@"svce");
-  query.account = textAt(@"acct");
-  query.returnAttributes = [[wanted objectForKey:@"attributes"] boolValue];
   const bool all = textAt(@"limit") == "all";
-  query.matchLimit = all ? KeychainQuery::MatchLimit::kAll : KeychainQuery::MatchLimit::kOne;
+  const KeychainQuery query = {
+      .service = textAt(@"svce"),
+      .account = textAt(@"acct"),
+      .returnAttributes = static_cast<bool>([[given objectForKey:@"attributes"] boolValue]),
+      .matchLimit = all ? KeychainQuery::MatchLimit::kAll : KeychainQuery::MatchLimit::kOne};
   const FileManager files(utf8(NSHomeDirectory()));
   const Keychain::Answer answer = makeOfflineKeychain(files)->copyMatching(query);
   NSMutableArray* found = [NSMutableArray array];
   for (const KeychainAttributes& attributes : answer.items) {
-    NSMutableDictionary* item = [NSMutableDictionary dictionary];
+    [found addObject:[NSMutableDictionary dictionary]];
     for (const auto& [key, value] : attributes) {
-      [item setObject:nsString(value) forKey:nsString(key)];
+      [[found lastObject] setObject:nsString(value) forKey:nsString(key)];
     }
-    [found addObject:item];
   }
-  if ([found count] != 0) {
-    *result = (__bridge CFTypeRef)[all ? found : [found objectAtIndex:0] retain];
-  }
+  *result = (__bridge CFTypeRef)[all ? found : [found lastObject] retain];
   return textAt(@"class") == "inet" ? answer.status : Keychain::kItemNotFound;
 }

@@ -8,48 +8,38 @@
 @synthesize title, subtitle, informativeText, soundName, deliveryDate, hasActionButton;
 @end
 
-static NSMutableArray* delivered() {
-  static NSMutableArray* const list = [[NSMutableArray alloc] init];
-  return list;
-}
-
 @implementation StandInUserNotificationCenter
-@synthesize delegate;
+@synthesize delegate, deliveredNotifications;
 
 + (NSUserNotificationCenter*)defaultUserNotificationCenter {
   static NSUserNotificationCenter* const center = [[self alloc] init];
   return center;
 }
 
-- (void)record {
+- (void)deliver:(NSArray*)notifications {
+  [self setDeliveredNotifications:notifications];
   NSMutableString* lines = [NSMutableString string];
-  for (NSUserNotification* one in delivered()) {
+  for (NSUserNotification* one in notifications) {
     [lines appendFormat:@"%@|%@|%@|%d|%@|%d\n", [one title], [one subtitle], [one informativeText],
                         [one hasActionButton], [one soundName],
                         [delegate userNotificationCenter:self shouldPresentNotification:one]];
   }
   [lines writeToFile:[NSHomeDirectory() stringByAppendingPathComponent:@"GNUstep Notifications"]
           atomically:NO];
-}
-
-- (void)deliver:(NSUserNotification*)notification {
-  [delivered() addObject:notification];
-  [self record];
-  [delegate userNotificationCenter:self didDeliverNotification:notification];
+  [delegate userNotificationCenter:self didDeliverNotification:[notifications lastObject]];
 }
 
 - (void)scheduleNotification:(NSUserNotification*)notification {
-  [self performSelector:@selector(deliver:) withObject:notification afterDelay:0];
+  NSArray* all = [NSArray arrayWithArray:deliveredNotifications];
+  [self performSelector:@selector(deliver:)
+             withObject:[all arrayByAddingObject:notification]
+             afterDelay:0];
 }
 
 - (void)removeDeliveredNotification:(NSUserNotification*)notification {
-  [delivered() removeObjectIdenticalTo:notification];
-  [self record];
-}
-
-// For tests only: the user clicks what was delivered first.
-- (void)clickFirst {
-  [delegate userNotificationCenter:self didActivateNotification:[delivered() objectAtIndex:0]];
+  NSMutableArray* left = [NSMutableArray arrayWithArray:deliveredNotifications];
+  [left removeObjectIdenticalTo:notification];
+  [self deliver:left];
 }
 
 @end

@@ -9,17 +9,15 @@
 #define DEPRECATED_ON_A_MAC \
   __attribute__((availability(macos, introduced = 10.8, deprecated = 11.0)))
 
-@class NSDate, NSString, StandInUserNotification, StandInUserNotificationCenter;
+@class NSArray, StandInUserNotification, StandInUserNotificationCenter;
 @compatibility_alias NSUserNotification StandInUserNotification;
 @compatibility_alias NSUserNotificationCenter StandInUserNotificationCenter;
 
 DEPRECATED_ON_A_MAC @interface StandInUserNotification : NSObject {
-  NSString *title, *subtitle, *informativeText, *soundName;
-  NSDate* deliveryDate;
+  id title, subtitle, informativeText, soundName, deliveryDate;
   BOOL hasActionButton;
 }
-@property(nonatomic, copy) NSString *title, *subtitle, *informativeText, *soundName;
-@property(nonatomic, copy) NSDate* deliveryDate;
+@property(nonatomic, copy) id title, subtitle, informativeText, soundName, deliveryDate;
 @property(nonatomic) BOOL hasActionButton;
 @end
 
@@ -34,8 +32,10 @@ DEPRECATED_ON_A_MAC @interface StandInUserNotification : NSObject {
 
 DEPRECATED_ON_A_MAC @interface StandInUserNotificationCenter : NSObject {
   id<NSUserNotificationCenterDelegate> delegate;
+  NSArray* deliveredNotifications;
 }
 @property(nonatomic, assign) id<NSUserNotificationCenterDelegate> delegate;
+@property(nonatomic, copy) NSArray* deliveredNotifications;
 + (NSUserNotificationCenter*)defaultUserNotificationCenter;
 - (void)scheduleNotification:(NSUserNotification*)notification;
 - (void)removeDeliveredNotification:(NSUserNotification*)notification;

@@ -2,21 +2,16 @@
 
 // Stands in for the header of that name: there is no keychain. See Keychain.mm.
 
-#import <Foundation/NSString.h>
+#import <Foundation/NSDictionary.h>
 
 using OSStatus = int;
 using CFTypeRef = const void*;
-using CFStringRef = const struct OpaqueString*;
-using CFDictionaryRef = const struct OpaqueDictionary*;
+using CFStringRef = NSString*;
+using CFDictionaryRef = NSDictionary*;
 
-#define STAND_IN_KEY(text) (__bridge CFStringRef) @text
-inline const CFStringRef kSecClass = STAND_IN_KEY("class"),
-                         kSecClassInternetPassword = STAND_IN_KEY("inet"),
-                         kSecAttrService = STAND_IN_KEY("svce"),
-                         kSecAttrAccount = STAND_IN_KEY("acct"),
-                         kSecReturnAttributes = STAND_IN_KEY("attributes"),
-                         kSecMatchLimit = STAND_IN_KEY("limit"),
-                         kSecMatchLimitOne = STAND_IN_KEY("one"),
-                         kSecMatchLimitAll = STAND_IN_KEY("all");
+inline CFStringRef const kSecClass = @"class", kSecClassInternetPassword = @"inet",
+                         kSecAttrService = @"svce", kSecAttrAccount = @"acct",
+                         kSecReturnAttributes = @"attributes", kSecMatchLimit = @"limit",
+                         kSecMatchLimitOne = @"one", kSecMatchLimitAll = @"all";
 
 OSStatus SecItemCopyMatching(CFDictionaryRef query, CFTypeRef* result);
