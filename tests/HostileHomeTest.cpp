@@ -58,8 +58,8 @@ struct HostileHome : ::testing::Test {
 TEST_F(HostileHome, LinksLoopsPipesAndDevicesLeadNowhereInAnyPlace) {
   const std::string canary = home.path("../../canary");
   for (const Names& paths : kPaths) {
-    for (const std::string target : {canary.c_str(), "/", (canary + "/deep/file").c_str(),
-                                     "/dev/zero", "itself", "pipe", "socket"}) {
+    for (const std::string& target :
+         split(canary + "|/|" + canary + "/deep/file|/dev/zero|" + "itself|pipe|socket", '|')) {
       for (const std::string& path : paths) {
         const std::string full = home.path(path);
         fs::remove_all(full);

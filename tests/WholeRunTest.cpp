@@ -69,7 +69,7 @@ class WholeRun : public ::testing::TestWithParam<std::tuple<std::string, bool, b
     const auto received = bus.received();
     EXPECT_EQ(received.size(), 1U);
     EXPECT_EQ(received.at(0).summary, "Tasselby");
-    EXPECT_EQ(received[0].body, json["report"]);
+    EXPECT_EQ(json["report"], received[0].body);
     return received[0].body;
   }
 
