@@ -1,7 +1,6 @@
 #include "samples/BinaryCookieWriter.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <unordered_map>
@@ -29,18 +28,14 @@ std::string dateBytes(double number) {
 
 /// 56 bytes of little-endian fields, then the strings, whose offsets stand at 16 (domain), 20
 /// (name), 24 (path) and 28 (value).
-std::string recordOf(const SampleCookie& cookie, StringOrder order) {
-  using Text = std::pair<std::size_t, std::string>;
-  const Text domain{16, cookie.domain};
-  const Text name{20, cookie.name};
-  const Text path{24, cookie.path};
-  const Text value{28, cookie.value};
-  const auto texts = order == StringOrder::kNameFirst ? std::array{name, value, domain, path}
-                                                      : std::array{domain, name, path, value};
+std::string recordOf(const SampleCookie& cookie) {
   std::string record(40, '\0');
   record.replace(8, 4, littleEndian(cookie.flags));
   record += dateBytes(kExpiry) + dateBytes(kCreation);
-  for (const auto& [field, text] : texts) {
+  for (const auto& [field, text] : {std::pair(std::size_t{16}, cookie.domain),
+                                    {20, cookie.name},
+                                    {24, cookie.path},
+                                    {28, cookie.value}}) {
     record.replace(field, 4, littleEndian(record.size()));
     record += text + '\0';
   }
@@ -67,14 +62,13 @@ std::string bigEndian(std::uint64_t number) {
   return bytes;
 }
 
-std::string binaryCookieFile(const std::vector<SampleCookie>& cookies, StringOrder order,
-                             const std::string& tail) {
+std::string binaryCookieFile(const std::vector<SampleCookie>& cookies, const std::string& tail) {
   std::vector<Page> pages;
   std::unordered_map<std::string, std::size_t> pageByDomain;
   for (const SampleCookie& cookie : cookies) {
     const std::size_t page = pageByDomain.try_emplace(cookie.domain, pages.size()).first->second;
     pages.resize(std::max(pages.size(), page + 1));
-    pages[page].push_back(recordOf(cookie, order));
+    pages[page].push_back(recordOf(cookie));
   }
 
   std::string file = "cook" + bigEndian(pages.size());

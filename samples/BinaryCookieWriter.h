@@ -17,13 +17,9 @@ struct SampleCookie {
   std::uint32_t flags = 0;
 };
 
-/// The order of a record's strings. The system has used both.
-enum class StringOrder { kNameFirst, kDomainFirst };
-
 /// A file of the system's shared cookie storage with `cookies`, in their order: a page for each
 /// domain, as its first cookie comes, and `tail` behind the trailer word.
 std::string binaryCookieFile(const std::vector<SampleCookie>& cookies,
-                             StringOrder order = StringOrder::kDomainFirst,
                              const std::string& tail = "");
 
 /// The lower 32 bits of `number`, the highest byte first.

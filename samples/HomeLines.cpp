@@ -25,8 +25,6 @@ std::string replaced(std::string text, const std::string& part, const std::strin
   return text;
 }
 
-namespace {
-
 Names split(const std::string& text, char at) {
   Names parts;
   std::istringstream in(text);
@@ -35,6 +33,8 @@ Names split(const std::string& text, char at) {
   }
   return parts;
 }
+
+namespace {
 
 /// What stands behind `mark` in `text`, and goes from it with the mark; no value without one.
 std::optional<std::string> cut(std::string& text, const std::string& mark) {
@@ -99,7 +99,7 @@ class MacHome::Lines {
           cookies.push_back({.domain = item.key.substr(0, bar), .name = item.key.substr(bar + 1)});
         }
       }
-      home_.writeFile("/" + path, binaryCookieFile(cookies, StringOrder::kDomainFirst, "a tail"));
+      home_.writeFile("/" + path, binaryCookieFile(cookies, "a tail"));
     }
   }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "samples/MacHome.h"
+#include "samples/ScratchHome.h"
 
 namespace tasselby {
 
@@ -15,5 +16,8 @@ std::string cookieLines(const std::string& cookies);
 
 /// `text` with `with` wherever `part` was.
 std::string replaced(std::string text, const std::string& part, const std::string& with);
+
+/// What stands between the `at`s of `text`, but for an empty part behind the last.
+Names split(const std::string& text, char at);
 
 }  // namespace tasselby

@@ -1,6 +1,4 @@
 // What is answered from the files of a home, and changed in them: passwords, cookies, preferences.
-#include <sys/stat.h>
-
 #include "keep/WorkerExtras.h"
 #include "platform/offline/ArgumentDomain.h"
 #include "samples/BinaryCookieWriter.h"
@@ -10,122 +8,87 @@
 namespace tasselby {
 namespace {
 
-const std::string kKeychain = "Library/Keychains/login.keychain-db";
-const std::string kCookies = "Library/Cookies/Cookies.binarycookies";
-const std::string kContainer = "Library/Containers/com.apple.Safari/Data/";
-const std::vector<SampleCookie> kFour = {
-    {".a.test", "0"}, {".a.test", "1"}, {"b.test", "2"}, {"b.test", "3"}};
-
 using Offline = WorkerTest;
 
-TEST_F(Offline, KeychainAnswersOnlyValuesThatTheSystemKnows) {
-  std::vector<SavedPassword> saved = {{.server = "", .account = ""}, {.server = "\xFF.test"}};
-  std::vector<KeychainAttributes> items = {{{"atyp", "form"}},
-                                           {{"acct", "anna"}, {"atyp", "form"}}};
-  for (const char* type :
-       {"ntlm", "msna", "dpaa", "rpaa", "http", "httd", "form", "dflt", "formx", "FORM", "for"}) {
+TEST_F(Offline, KeychainAnswersWhatTheSystemKnowsAndTheOlderOnlyWithoutANewer) {
+  std::vector<SavedPassword> saved = {{.server = "", .authenticationType = "formx", .account = ""},
+                                      {.server = "\xFF", .authenticationType = "FORM"},
+                                      {.server = "a", .authenticationType = "for"}};
+  std::vector<KeychainAttributes> items = {
+      {{"atyp", "form"}}, {{"acct", "anna"}}, {{"acct", "anna"}, {"srvr", "a"}}};
+  for (const auto& type : split("ntlm msna dpaa rpaa http httd form dflt", ' ')) {
     saved.push_back({.server = "a.test", .authenticationType = type});
-    items.push_back({{"acct", "anna"}, {"srvr", "a.test"}});
-    if (items.size() < 12) {
-      items.back()["atyp"] = std::string(type).substr(0, 4);
-    }
+    items.push_back({{"acct", "anna"}, {"atyp", type}, {"srvr", "a.test"}});
   }
-  home.file(kKeychain, keychainFile(saved));
+  const std::string older = "Library/Keychains/login.keychain", newer = older + "-db";
+  home.file(older, keychainFile(saved)).link(newer, "nowhere");
   EXPECT_EQ(WorkerExtras::allAccounts(*keychain), items);
   KeychainQuery query = WorkerExtras::_queryForService_account(std::nullopt, "anna");
-  EXPECT_TRUE(keychain->copyMatching(query).items.empty());
   query.returnAttributes = true;
   EXPECT_EQ(keychain->copyMatching(query).items, std::vector{items[1]}) << "one is the limit";
   KeychainError error;
   EXPECT_FALSE(WorkerExtras::accountsForService_error(*keychain, "a.test", &error));
-  EXPECT_EQ(error.domain, "com.marrowgatestudios.Tasselby");
-  EXPECT_EQ(error.code, Keychain::kItemNotFound);
+  EXPECT_EQ(error.domain + std::to_string(error.code), "com.marrowgatestudios.Tasselby-25300");
+  fs::rename(home.file("damaged").path("damaged"), home.path(newer));
+  EXPECT_FALSE(WorkerExtras::allAccounts(*keychain));
 }
 
-TEST_F(Offline, ReadsTheOlderKeychainOnlyWithoutANewerOne) {
-  const std::string sound = keychainFile({{.server = "a.test"}});
-  home.link(kKeychain, "nowhere").file("Library/Keychains/login.keychain", sound);
-  EXPECT_TRUE(WorkerExtras::allAccounts(*keychain)) << "a dangling link is no keychain";
-  fs::remove(home.path(kKeychain));
-  home.file(kKeychain, sound.substr(0, sound.size() - 5));
-  EXPECT_FALSE(WorkerExtras::allAccounts(*keychain)) << "damaged";
-}
-
-TEST_F(Offline, CookiesGoByTheirBytesAtOnceAndBehindALink) {
-  home.file("real/file", binaryCookieFile(kFour)).link(kCookies, "../../real/file");
-  home.link(kContainer + "Library/Cookies", home.path("Library/Cookies"));
-  ::chmod(home.path(kCookies).c_str(), 0640);
+TEST_F(Offline, CookiesGoByTheirBytesAtOnceBehindALinkAndFromNoDamagedFile) {
+  const std::vector<SampleCookie> sound = {{"a", "0"}, {"a", "1"}, {"b", "2"}};
+  // The first page has another number of records.
+  const std::string file = binaryCookieFile(sound), damaged = std::string(file).replace(20, 1, "x");
+  const std::string first = "Library/Cookies/Cookies.binarycookies";
+  const std::string second = "Library/Containers/com.apple.Safari/Data/" + first;
+  home.file("real/file", file).link(first, "../../real/file").file(second, damaged);
+  fs::permissions(home.path(first), fs::perms{0640});
   const std::vector<HTTPCookie> cookies = cookieStorage->cookies();
-  ASSERT_EQ(cookies.size(), 4U) << "one file behind both paths";
+  ASSERT_EQ(cookies.size(), 4U);
   for (const std::size_t place : {0U, 1U, 1U, 3U}) {
     cookieStorage->deleteCookie(cookies[place]);
   }
-  EXPECT_EQ(home.contents(kCookies), binaryCookieFile(kFour)) << "deletions are gathered";
-  const SampleCookie later = {"b.test", "later"};
-  home.file("real/file", binaryCookieFile({kFour[1], later, kFour[1], kFour[0], kFour[2]}));
+  EXPECT_EQ(home.contents(first), file) << "deletions are gathered";
+  home.file(first, binaryCookieFile({sound[1], {"b", "new"}, sound[1], sound[0], sound[2]}));
+  // Of two identical records one goes, and the second time there is nothing to write.
   cookieStorage->synchronize();
-  const std::string left = binaryCookieFile({kFour[1], later, kFour[2]});
-  EXPECT_EQ(home.contents(kCookies), left) << "of two identical records one went";
-  EXPECT_EQ(fs::status(home.path(kCookies)).permissions(), fs::perms{0640});
-  EXPECT_TRUE(fs::is_symlink(home.path(kCookies)));
-  fs::create_hard_link(home.path("real/file"), home.path("real/same"));
-  cookieStorage->deleteCookie(cookies[3]);
   cookieStorage->synchronize();
-  EXPECT_EQ(fs::hard_link_count(home.path(kCookies)), 2U) << "one already gone writes nothing";
-  EXPECT_EQ(home.list("real"), (Names{"file", "same"}));
+  EXPECT_EQ(home.contents(first), binaryCookieFile({sound[1], {"b", "new"}, sound[2]}));
+  EXPECT_EQ(home.contents(second), damaged);
+  EXPECT_EQ(fs::status(home.path(first)).permissions(), fs::perms{0640});
+  EXPECT_TRUE(fs::is_symlink(home.path(first)) && home.list("real") == Names{"file"});
 }
 
-TEST_F(Offline, NeverWritesADamagedCookieFile) {
-  std::string damaged = binaryCookieFile(kFour);
-  damaged[20] = '\x7f';  // The first page's number of records.
-  home.file(kContainer + kCookies, damaged).file(kCookies, binaryCookieFile(kFour));
-  for (const HTTPCookie& cookie : cookieStorage->cookies()) {
-    cookieStorage->deleteCookie(cookie);
-  }
-  cookieStorage->synchronize();
-  EXPECT_EQ(home.contents(kContainer + kCookies), damaged);
-  EXPECT_EQ(home.contents(kCookies).size(), 48U) << "two empty pages";
-}
+// Arguments with "," between, and behind the last ">" the preferences that they set to yes, "+", or
+// to no, "-". A value is a letter of yes, a number, or a list that is one of these.
+constexpr const char* kArguments =
+    "worker,-a,YES,Safari,-b,0>+a-b|worker,-a,-b,YES>+b|worker,-a,-1,-b>|--a,1,-,-b,1>+-a+b|"
+    "worker,-,1,-a,,-b,1>-a+b|worker,-a,YES,-a,NO>-a|-a,y+>+a|-a,true>+a|-a,T>+a|-a, \t1 >+a|"
+    "-a,\n 1>+a|-a,1a>+a|-a,007>+a|-a,+01>+a|-a, \"YES\"\n>+a|-a,<true/>>+a|"
+    "-a, <integer>2</integer>\n>+a|-a,<?xml version=\"1.0\"?><plist><true/></plist>>+a|"
+    "-a, >-a|-a,no>-a|-a,on>-a|-a,+0>-a|-a,+y>-a|-a,0y>-a|-a,ay>-a|-a,0.5>-a|-a,+-1>-a|"
+    "-a,<false/>>-a|-a,<yes/>>-a|-a,\"YES\"x>-a|-a,\">-a|-a,\"Y\\>-a|-a,\"Y\\\"\">-a|"
+    "-a,\"Y\"\">-a|-a,(YES)>-a|-a,{ a = 1; }>-a|-a,<array><true/></array>>-a";
 
 TEST(ArgumentDomain, PairsSetPreferences) {
-  const std::map<Names, std::map<std::string, bool>> domainByArguments = {
-      {{"worker", "-a", "YES", "Safari", "-b", "0"}, {{"a", true}, {"b", false}}},
-      {{"worker", "-a", "-b", "YES"}, {{"b", true}}},
-      {{"worker", "-a", "-1", "-b"}, {}},
-      {{"--a", "1", "-", "-b", "1"}, {{"-a", true}, {"b", true}}},
-      {{"worker", "-", "1", "-a", "", "-b", "1"}, {{"a", false}, {"b", true}}},
-      {{"worker", "-a", "YES", "-a", "NO"}, {{"a", false}}}};
-  for (const auto& [arguments, domain] : domainByArguments) {
-    EXPECT_EQ(argumentDomain(arguments), domain) << ::testing::PrintToString(arguments);
-  }
-  // A letter of yes, a number, or a list that is one of these.
-  for (const char* value :
-       {"YES", "y+", "true", "T", " \t1 ", "\n 1", "1a", "007", "+01", " \"YES\"\n", "<true/>",
-        " <integer>2</integer>\n", "<?xml version=\"1.0\"?><plist><true/></plist>"}) {
-    EXPECT_EQ(argumentDomain({"-a", value}).at("a"), true) << value;
-  }
-  for (const char* value :
-       {"",          " ",       "no",       "on",         "+0",
-        "+y",        "0y",      "ay",       "0.5",        "+-1",
-        "<false/>",  "<yes/>",  "\"YES\"x", "\"",         "\"Y\\",
-        "\"Y\\\"\"", "\"Y\"\"", "(YES)",    "{ a = 1; }", "<array><true/></array>"}) {
-    EXPECT_EQ(argumentDomain({"-a", value}).at("a"), false) << value;
+  for (const std::string& row : split(kArguments, '|')) {
+    std::string set;
+    for (const auto& [key, value] : argumentDomain(split(row.substr(0, row.rfind('>')), ','))) {
+      set += (value ? "+" : "-") + key;
+    }
+    EXPECT_EQ(set, row.substr(row.rfind('>') + 1)) << row;
   }
 }
 
-TEST_F(Offline, FirstReadablePreferencesThatHaveTheKeyDecideAndAreReadOnce) {
+TEST_F(Offline, FirstPreferencesThatHaveTheKeyDecideAndAreReadOnce) {
   const std::string own = "Library/Preferences/com.marrowgatestudios.Tasselby.Worker.plist";
   const std::string suite = "Library/Preferences/suite.plist";
   home.file(own, "<dict><key>arg</key><true/><key>own</key><true/><key>odd</key><array/></dict>")
       .file(suite, "<dict><key>own</key><false/><key>odd</key><true/><key>s</key><true/></dict>");
-  ASSERT_EQ(::mkfifo(home.path("Library/Preferences/fifo.plist").c_str(), 0600), 0);
   const auto defaults = makeOfflineUserDefaults({"worker", "-arg", "Safari"}, files);
-  defaults->addSuiteNamed("fifo");
   defaults->addSuiteNamed("suite");
-  EXPECT_FALSE(defaults->boolForKey("arg"));
+  EXPECT_FALSE(defaults->boolForKey("arg") || defaults->boolForKey("odd"));
   home.file(own, "").file(suite, "");
-  EXPECT_TRUE(defaults->boolForKey("own") && defaults->boolForKey("s"));
-  EXPECT_FALSE(defaults->boolForKey("odd") || defaults->boolForKey("other"));
+  EXPECT_TRUE(defaults->boolForKey("own") && defaults->boolForKey("s") &&
+              !defaults->boolForKey("x"));
 }
 
 }  // namespace

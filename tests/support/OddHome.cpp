@@ -4,8 +4,6 @@
 #include <sstream>
 #include <tuple>
 
-#include "samples/SampleStores.h"
-
 namespace tasselby {
 namespace {
 

@@ -12,6 +12,7 @@
 #include "samples/MacHome.h"
 #include "samples/PlainSqlite.h"
 #include "samples/RunWorker.h"
+#include "samples/SampleStores.h"
 #include "samples/ScratchHome.h"
 
 namespace tasselby {
