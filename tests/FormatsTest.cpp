@@ -83,6 +83,7 @@ TEST(CookieFile, KeepsTheBytesOfAllThatStaysAndLeavesOutWhatIsUnsound) {
   const std::string emptyPage = withoutCookies(two, parseBinaryCookies(two), {true, false});
   EXPECT_EQ(emptyPage.size(), binaryCookieFile({cookies[2]}, tail).size() + 16);
   EXPECT_EQ(cookiesIn(emptyPage), "+3");
+  EXPECT_EQ(cookiesIn(file.substr(0, file.size() - tail.size() - 8)), "123") << "pages alone";
   // Another magic; more pages than fit, a page beyond the end, another page start; more records
   // than fit, one in the page header; five of one record, four of which are twice the page.
   expectLeft(binaryCookieFile(cookies), cookiesIn,
@@ -128,7 +129,8 @@ std::string dictionary(const std::string& content) {
 std::string binary(const std::string& value) {
   return "bplist00\xD4\1\2\1\3\1\5\6\6\x51k\x10k\x61\0k\x09\xD1\1\5"s + value +
          "\0\x08\0\x11\0\x13\0\x15\0\x18\0\x19\0\x1C\0\0\0\0\0\0\2\1\0\0\0\0\0\0\0\7"s +
-         std::string(15, '\0') + static_cast<char>(28 + value.size());
+         std::string(14, '\0') + static_cast<char>((28 + value.size()) >> 8) +
+         static_cast<char>(28 + value.size());
 }
 
 // Values that are true, that are false, and that are none.
@@ -166,6 +168,7 @@ TEST(PropertyList, DamagedListHasNoKeys) {
   const std::string member = "<key>k</key><true/>", list = dictionary(member);
   const auto read = [](std::string_view bytes) { return std::to_string(valueIn(bytes)); };
   expectLeft(list, read, "");
+  EXPECT_EQ(valueIn(binary("\x5F\x11\1\0"s + std::string(256, 'Y'))), 0U) << "of two bytes' size";
   // Another kind of top, and more objects than the table has.
   expectLeft(binary("\x09"), read, "8:a4>2 3a:8>2");
   // Nesting neither hides a key nor takes memory without bound.
