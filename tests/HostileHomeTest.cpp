@@ -1,5 +1,4 @@
-// Homes that were made to mislead: links, loops, pipes, odd names, no home at all. A tree of
-// canaries around the home stays as it is.
+// Homes that were made to mislead: links, loops, pipes, endless trees, no home at all.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,7 +9,6 @@ namespace tasselby {
 namespace {
 
 const std::string kCache = "Library/Caches/Camino/Cache";
-const std::string kStorage = "Library/Safari/LocalStorage/";
 const std::string kLocalState = R"({"profile": {"info_cache": {"Default": {"name": "a"},
     "..": {"name": "b"}, "../..": {"name": "c"}, "/": {"name": "d"}, "a/../..": {"name": "e"}}}})";
 
@@ -19,47 +17,30 @@ const std::vector<Names> kPaths = {
     {"Library/Keychains/login.keychain-db",
      "Library/Preferences/com.marrowgatestudios.Tasselby.plist",
      "Library/Cookies/Cookies.binarycookies", kCache, "Library/Caches/Firefox/Profiles/p",
-     kStorage + "StorageTracker.db", "Library/Preferences/Macromedia/Flash Player/#SharedObjects/R",
+     "Library/Safari/LocalStorage/StorageTracker.db",
+     "Library/Preferences/Macromedia/Flash Player/#SharedObjects/R",
      kSupport + "Google/Chrome/Default", kSupport + "Chromium/Default/Local Storage",
      kSupport + "com.operasoftware.Opera/Cookies", kSupport + "Camino/webappsstore.sqlite",
      kSupport + "Firefox/Profiles/p", kSupport + "Microsoft/Silverlight/is/a"},
     {kSupport + "Google/Chrome/Local State"},
     {kSupport + "Microsoft/Silverlight/is/a/b/c/s/store/id.dat"}};
 
-const std::map<std::string, std::string> kCanaries = {
-    {"../../canary/deep/file", "a"}, {"../canary", "b"}, {"canary", "c"}};
-
 struct HostileHome : ::testing::Test {
-  HostileHome() {
-    for (const auto& [canary, contents] : kCanaries) {
-      home.file(canary, contents);
-    }
-    for (const char* root : {"Google/Chrome", "Chromium"}) {
-      home.file(kSupport + root + "/Local State", kLocalState);
-    }
-  }
-
-  /// Runs the worker for every browser and expects it to end, without a word, and the canaries to
-  /// be alive.
-  void runAll(const std::string& label) const {
-    for (const std::string& browser : kEveryBrowser) {
-      const WorkerRun result = runWorker({WORKER_BINARY, browser}, home.home());
-      EXPECT_TRUE(result.status == 0 || result.status == 70) << label << " " << result.status;
-      EXPECT_EQ(result.output, "") << label;
-    }
-    for (const auto& [canary, contents] : kCanaries) {
-      EXPECT_EQ(home.contents(canary), contents) << label;
-    }
-  }
-
   ScratchHome home;
 };
 
 TEST_F(HostileHome, LinksLoopsPipesAndDevicesLeadNowhereInAnyPlace) {
-  const std::string canary = home.path("../../canary");
+  const Names canaries = {"../../canary/deep/file", "../canary", "canary"};
+  for (const std::string& canary : canaries) {
+    home.file(canary, "alive");
+  }
+  for (const char* root : {"Google/Chrome", "Chromium"}) {
+    home.file(kSupport + root + "/Local State", kLocalState);
+  }
+  const std::string folder = home.path("../../canary");
   for (const Names& paths : kPaths) {
     for (const std::string& target :
-         split(canary + "|/|" + canary + "/deep/file|/dev/zero|" + "itself|pipe|socket", '|')) {
+         split(folder + "|/|" + folder + "/deep/file|/dev/zero|itself|pipe|socket", '|')) {
       for (const std::string& path : paths) {
         const std::string full = home.path(path);
         fs::remove_all(full);
@@ -72,7 +53,14 @@ TEST_F(HostileHome, LinksLoopsPipesAndDevicesLeadNowhereInAnyPlace) {
           fs::create_symlink(target == "itself" ? full : target, full);
         }
       }
-      runAll(paths[0] + " -> " + target);
+      for (const std::string& browser : kEveryBrowser) {
+        const WorkerRun result = runWorker({WORKER_BINARY, browser}, home.home());
+        EXPECT_TRUE((result.status == 0 || result.status == 70) && result.output.empty())
+            << paths[0] << " -> " << target << result.status << result.output;
+      }
+      for (const std::string& canary : canaries) {
+        EXPECT_EQ(home.contents(canary), "alive") << paths[0] << " -> " << target;
+      }
     }
     for (const std::string& path : paths) {
       fs::remove_all(home.path(path));
@@ -80,13 +68,8 @@ TEST_F(HostileHome, LinksLoopsPipesAndDevicesLeadNowhereInAnyPlace) {
   }
 }
 
-TEST_F(HostileHome, NamesOfEveryByteAndTreesOfAnyDepthGo) {
-  home.file(kCache + "/" + std::string(255, 'n')).file(kStorage + ".localstorage");
-  for (char byte = 1; byte < 127; ++byte) {
-    const std::string name(2, byte == '/' ? '.' : byte);
-    home.file(kCache + "/" + name + "n/in").file(kStorage + name + ".localstorage");
-  }
-  // Deeper than any path can say.
+TEST_F(HostileHome, TreesDeeperThanAnyPathCanSayGo) {
+  home.file(kCache + "/" + std::string(255, 'n'));
   int folder = ::open(home.path(kCache).c_str(), O_RDONLY);
   for (int depth = 0; depth < 3000; ++depth) {
     ASSERT_EQ(::mkdirat(folder, "d", 0700), 0);
@@ -95,9 +78,8 @@ TEST_F(HostileHome, NamesOfEveryByteAndTreesOfAnyDepthGo) {
     folder = next;
   }
   ::close(folder);
-  runAll("odd names");
+  EXPECT_EQ(runWorker({WORKER_BINARY, "Camino"}, home.home()).status, 0);
   EXPECT_FALSE(home.has(kCache));
-  EXPECT_TRUE(home.list(kStorage).empty());
 }
 
 TEST_F(HostileHome, HomesMayBeLinksRelativeMissingOrEmpty) {
@@ -106,8 +88,7 @@ TEST_F(HostileHome, HomesMayBeLinksRelativeMissingOrEmpty) {
                                        home.path("none"), std::string("/dev/null")}) {
     home.file(kCache + "/in");
     const WorkerRun result = runWorker({WORKER_BINARY, "Camino"}, elsewhere, "", home.path(".."));
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(std::to_string(result.status) + result.output, "0");
     EXPECT_EQ(home.has(kCache), !elsewhere.ends_with("link") && elsewhere != "anna") << elsewhere;
   }
 }
