@@ -1,8 +1,5 @@
-#pragma once
-
 #include <bits/types.h>
 
-typedef signed char int8_t;
-typedef short int16_t;
-typedef int int32_t;
-typedef long long int64_t;
+#define __int64_t long long
+#include_next <bits/stdint-intn.h>
+#undef __int64_t

@@ -1,6 +1,5 @@
-#pragma once
+#include <bits/types.h>
 
-typedef unsigned char uint8_t;
-typedef unsigned short uint16_t;
-typedef unsigned int uint32_t;
-typedef unsigned long long uint64_t;
+#define __uint64_t unsigned long long
+#include_next <bits/stdint-uintn.h>
+#undef __uint64_t

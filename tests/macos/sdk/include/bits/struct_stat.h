@@ -7,9 +7,5 @@
 #undef st_atim
 #undef st_mtim
 #undef st_ctim
-#undef st_atime
-#undef st_mtime
-#undef st_ctime
-#define st_atime st_atimespec.tv_sec
 #define st_mtime st_mtimespec.tv_sec
 #define st_ctime st_ctimespec.tv_sec
