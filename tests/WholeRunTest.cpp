@@ -65,10 +65,12 @@ class WholeRun : public ::testing::TestWithParam<std::tuple<std::string, bool, b
     const WorkerRun real = run(home.home(), command);
     EXPECT_EQ(std::to_string(real.status) + real.output, "0");
     fates.expectMet(browser, removeAll, secure);
+    const std::string report = json["report"];
     const auto received = bus.received();
-    EXPECT_EQ(received.size(), 1U);
-    EXPECT_EQ(received.at(0).summary + received[0].body, "Tasselby" + std::string(json["report"]));
-    return received[0].body;
+    // A Mac has no such bus.
+    EXPECT_EQ(received.size(), bus.address().ends_with("/dev/null") ? 0U : 1U);
+    EXPECT_TRUE(received.empty() || received[0].summary + received[0].body == "Tasselby" + report);
+    return report;
   }
 
   NotificationBus bus;
@@ -188,11 +190,12 @@ TEST_F(WholeRun, PreviewRefusesBadInputInOneLine) {
 TEST_F(WholeRun, PreviewLeavesNothingBehindWhereverASignalEndsIt) {
   const OddHome odd;
   const ScratchHome folder;
-  int status = 124;
+  const std::string script = "TMPDIR=$1 \"$2\" Safari & sleep $3; kill -HUP $!; wait $!";
+  int status = 129;
   // The run is over when what removes the scratch folder lets go of the output as well.
-  for (double seconds = 0.0005; status == 124; seconds *= 2) {
-    status = run(odd.home.home(), {"/usr/bin/env", "TMPDIR=" + folder.home(), "timeout", "-s",
-                                   "HUP", std::to_string(seconds), PREVIEW_BINARY, "Safari"})
+  for (double seconds = 0.0005; status == 129; seconds *= 2) {
+    status = run(odd.home.home(), {"/bin/bash", "-c", script, "-", folder.home(), PREVIEW_BINARY,
+                                   std::to_string(seconds)})
                  .status;
     EXPECT_EQ(folder.list(""), Names{}) << seconds;
   }

@@ -35,7 +35,7 @@ constexpr const char* kProfiles = R"(
 %s Odd/Local Storage/https_plain.example_0.localstorage-journal
 - Odd/Local Storage/https_gone.example_0.localstorage-journal
 = Library/Application Support/ROOT/Odd/Pepper Data/Shockwave Flash/WritableRoot/#SharedObjects/R1/
-% {www.two.example,WWW.two.example,two.example,^nosite}/game.sol
+% {two.example,WWW.two.example,one.example,www.one.example,^nosite}/game.sol
 - .hidden.example/game.sol
 %a f.example
 %s socket.example
@@ -52,7 +52,7 @@ constexpr const char* kProfiles = R"(
 // is looked for (%).
 constexpr const char* kFlash = R"(
 = ROOT/#SharedObjects/R2/
-% {adverts.example,www.adverts.example,WWW.adverts.example,macromedia.com,^nosite}/game.sol
+% {adverts.example,WWW.adverts.example,one.example,www.one.example,macromedia.com,^nosite}/game.sol
 %k www.example.com/game.sol
 - .hidden.example/game.sol
 %a file.example
@@ -149,13 +149,13 @@ constexpr const char* kCookies = R"(
 // Silverlight.
 using Counts = std::array<int, 5>;
 const std::map<std::string, std::array<Counts, 2>> kCounts = {
-    {"Safari", {{{48, 20, 16, 12, 8}, {72, 20, 20, 15, 11}}}},
-    {"WebKit", {{{0, 0, 0, 12, 8}, {0, 0, 0, 15, 11}}}},
-    {"Google Chrome", {{{52, 21, 30, 28, 8}, {78, 21, 37, 38, 11}}}},
-    {"Chromium", {{{52, 21, 28, 28, 8}, {78, 21, 35, 38, 11}}}},
-    {"Camino", {{{24, 10, 8, 12, 8}, {36, 10, 14, 15, 11}}}},
-    {"Firefox", {{{51, 20, 48, 12, 8}, {79, 20, 84, 15, 11}}}},
-    {"Opera", {{{24, 10, 12, 12, 8}, {36, 10, 15, 15, 11}}}},
+    {"Safari", {{{48, 20, 16, 13, 8}, {72, 20, 20, 16, 11}}}},
+    {"WebKit", {{{0, 0, 0, 13, 8}, {0, 0, 0, 16, 11}}}},
+    {"Google Chrome", {{{52, 21, 30, 30, 8}, {78, 21, 37, 40, 11}}}},
+    {"Chromium", {{{52, 21, 28, 30, 8}, {78, 21, 35, 40, 11}}}},
+    {"Camino", {{{24, 10, 8, 13, 8}, {36, 10, 14, 16, 11}}}},
+    {"Firefox", {{{51, 20, 48, 13, 8}, {79, 20, 84, 16, 11}}}},
+    {"Opera", {{{24, 10, 12, 13, 8}, {36, 10, 15, 16, 11}}}},
 };
 
 }  // namespace
