@@ -1,7 +1,5 @@
 #include "tests/support/OddHome.h"
 
-#include <array>
-#include <sstream>
 #include <tuple>
 
 namespace tasselby {
@@ -147,26 +145,37 @@ constexpr const char* kCookies = R"(
 
 // What a run reports, without and with "removeAll": cookies, tracking cookies, databases, Flash,
 // Silverlight.
-using Counts = std::array<int, 5>;
-const std::map<std::string, std::array<Counts, 2>> kCounts = {
-    {"Safari", {{{48, 20, 16, 13, 8}, {72, 20, 20, 16, 11}}}},
-    {"WebKit", {{{0, 0, 0, 13, 8}, {0, 0, 0, 16, 11}}}},
-    {"Google Chrome", {{{52, 21, 30, 30, 8}, {78, 21, 37, 40, 11}}}},
-    {"Chromium", {{{52, 21, 28, 30, 8}, {78, 21, 35, 40, 11}}}},
-    {"Camino", {{{24, 10, 8, 13, 8}, {36, 10, 14, 16, 11}}}},
-    {"Firefox", {{{51, 20, 48, 13, 8}, {79, 20, 84, 16, 11}}}},
-    {"Opera", {{{24, 10, 12, 13, 8}, {36, 10, 15, 16, 11}}}},
+const std::map<std::string, Names> kCounts = {
+    {"Safari", {"48 20 16 13 8", "72 20 20 16 11"}},
+    {"WebKit", {"0 0 0 13 8", "0 0 0 16 11"}},
+    {"Google Chrome", {"52 21 30 30 8", "78 21 37 40 11"}},
+    {"Chromium", {"52 21 28 30 8", "78 21 35 40 11"}},
+    {"Camino", {"24 10 8 13 8", "36 10 14 16 11"}},
+    {"Firefox", {"51 20 48 13 8", "79 20 84 16 11"}},
+    {"Opera", {"24 10 12 13 8", "36 10 15 16 11"}},
 };
+
+/// The folders that stay when all that was in them has gone. Any other goes with it.
+const std::string kStayEmpty =
+    "/Empty/Flash Player/Metadata/Shockwave Flash/##g/##group/.T/.hidden/g/com.apple.Safari/"
+    "com.apple.WebKit.WebContent+com.apple.Safari/com.apple.WebProcess+com.apple.Safari/";
+
+bool staysEmpty(const std::string& folder) {
+  const std::string name = "/" + fs::path(folder).filename().native() + "/";
+  // With a store that names no group the groups' own folder goes.
+  return kStayEmpty.find(name) != std::string::npos && !folder.ends_with("/3/g");
+}
 
 }  // namespace
 
 std::string OddHome::report(const std::string& browser, bool removeAll) const {
-  const Counts& counts = kCounts.at(browser)[removeAll ? 1 : 0];
-  std::ostringstream report;
-  report << counts[0] << " Cookies (" << counts[1] << " Tracking Cookies), " << counts[2]
-         << " Databases, " << counts[3] << " Flash, " << counts[4]
-         << " Silverlight, and Cache removed from " << browser;
-  return report.str();
+  std::string report =
+      "% Cookies (% Tracking Cookies), % Databases, % Flash, % Silverlight, and Cache removed "
+      "from ";
+  for (const std::string& count : split(kCounts.at(browser)[removeAll ? 1 : 0], ' ')) {
+    report.replace(report.find('%'), 1, count);
+  }
+  return report + browser;
 }
 
 OddHome::OddHome() : home(scratch.volume()) {
@@ -186,6 +195,58 @@ OddHome::OddHome() : home(scratch.volume()) {
   const std::string player =
       replaced(kFlash, "ROOT", "/~/Library/Preferences/Macromedia/Flash Player");
   home.add(replaced(player, "%", "*")).add(replaced(replaced(player, "%", "-"), "/~/", ""));
+}
+
+Fates::Fates(const MacHome& home) : home_(home), entries_(snapshotOf(home.volume())) {
+  fs::create_directory(witnesses_);
+  for (std::size_t i = 0; i < items_.size(); ++i) {
+    const fs::path path = home.path(home.items()[i].path);
+    if (home.items()[i].key.empty() && fs::is_regular_file(fs::symlink_status(path))) {
+      fs::create_hard_link(path, witnesses_ + "/" + std::to_string(i));
+    }
+  }
+}
+
+void Fates::expectMet(const std::string& browser, bool removeAll, bool secure,
+                      const Names& foreign) const {
+  const auto isForeign = [&foreign](const auto& path) {
+    return std::ranges::any_of(foreign,
+                               [&](const auto& part) { return path.find(part) != path.npos; });
+  };
+  const auto witnesses = snapshotOf(witnesses_);
+  const auto items = home_.contents();
+  std::set<std::string> going;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const SampleItem& item = home_.items()[i];
+    const std::string label = item.path + " " + item.key;
+    const bool goes = item.goesFor(browser, removeAll, secure) && !isForeign(item.path);
+    EXPECT_TRUE(items_[i]) << label;
+    EXPECT_EQ(items[i], goes ? std::nullopt : items_[i]) << label;
+    const auto bytes = witnesses.find(std::to_string(i));
+    if (bytes != witnesses.end()) {
+      const bool wiped = bytes->second.size() == items_[i]->size() && bytes->second != *items_[i] &&
+                         bytes->second.find('\xFF') == std::string::npos;
+      EXPECT_EQ(wiped, secure && goes && item.is('a')) << label;
+    }
+    if (goes) {
+      going.insert(item.path);
+    }
+  }
+  const auto entries = snapshotOf(home_.volume());
+  for (const auto& [path, contents] : entries_) {
+    const auto now = entries.find(path);
+    EXPECT_TRUE(going.contains(path) || (now == entries.end() ? contents == "/" && !staysEmpty(path)
+                                                              : now->second == contents))
+        << path << " has changed or gone";
+  }
+  for (const auto& [path, contents] : entries) {
+    const auto next = entries.upper_bound(path + "/");
+    EXPECT_TRUE(isForeign(path) ||
+                (entries_.contains(path) &&
+                 (contents != "/" || staysEmpty(path) ||
+                  (next != entries.end() && next->first.starts_with(path + "/")))))
+        << path << " is new or empty";
+  }
 }
 
 }  // namespace tasselby
