@@ -3,6 +3,7 @@
 #include "platform/offline/ArgumentDomain.h"
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
+#include "samples/NotificationBus.h"
 #include "tests/support/Testing.h"
 
 namespace tasselby {
@@ -89,6 +90,25 @@ TEST_F(Offline, FirstPreferencesThatHaveTheKeyDecideAndAreReadOnce) {
   home.file(own, "").file(suite, "");
   EXPECT_TRUE(defaults->boolForKey("own") && defaults->boolForKey("s") &&
               !defaults->boolForKey("x"));
+}
+
+TEST(DesktopNotifications, TellsTheServiceTheReport) {
+  const NotificationBus bus;
+  UserNotification notification;
+  notification.subtitle = "3 < 4 & more";
+  // The last would run a program, and wait for it longer than any test may take.
+  for (const std::string& address :
+       {std::string(), bus.address(), std::string("unixexec:path=sleep,argv1=3000")}) {
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+    makeDesktopNotifications()->scheduleNotification(notification);
+  }
+  const auto received = bus.received();
+  if (bus.address().ends_with("/dev/null")) {
+    GTEST_SKIP() << "no session bus on this system";
+  }
+  ASSERT_EQ(received.size(), 1U);
+  EXPECT_EQ(received[0].application + received[0].body, "Tasselby3 < 4 & more");
+  EXPECT_TRUE(received[0].isSilent);
 }
 
 }  // namespace
