@@ -78,13 +78,12 @@ TEST_F(Delegate, ScopesAreOfferedAgainWithEveryLaterProfile) {
   home.folder(kFirefox + "a").folder(kFirefox + "b");
   // The other profile than the first in the folder's order has no table, and chooses what the first
   // held.
-  const std::string first = fs::directory_iterator(home.path(kFirefox))->path().filename();
-  for (const std::string profile : {"a", "b"}) {
-    plainly(home.path(kFirefox + profile + "/webappsstore.sqlite"),
-            profile != first ? "CREATE TABLE t (scope)"
-                             : "CREATE TABLE webappsstore2 (scope);"
-                               "INSERT INTO webappsstore2 VALUES ('moc.enog.:http:80');");
-  }
+  const std::string first = fs::directory_iterator(home.path(kFirefox))->path();
+  plainly(first + "/webappsstore.sqlite",
+          "CREATE TABLE webappsstore2 (scope);"
+          "INSERT INTO webappsstore2 VALUES ('moc.enog.:http:80')");
+  plainly(home.path(kFirefox + (first.ends_with("a") ? "b" : "a") + "/webappsstore.sqlite"),
+          "CREATE TABLE t (scope)");
   EXPECT_EQ(worker.removeNonFavLocalStorage_keep("Firefox", kKept), 2);
 }
 

@@ -1,9 +1,8 @@
 // Runs in which system calls fail, and runs that are killed: nothing kept is lost, and nothing is
-// left unsound. strace makes calls fail and tells their order. A few of each belong to the tests;
-// TEST_ROUNDS in the environment multiplies them.
+// left unsound. strace makes calls fail and tells their order. Every repetition of a test disturbs
+// other calls.
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <regex>
@@ -22,14 +21,6 @@ const std::string kCalls =
 // From the first look at a cookie on, or for "WebKit" at the Flash player, the keep list stands.
 // Before it, a password source that cannot be read keeps nothing: that is the rule.
 const std::regex kAfterKeepList("/Cookies|cookies.sqlite|Macromedia");
-
-const char* const kMore = std::getenv("TEST_ROUNDS");
-const long kRounds = kMore != nullptr ? std::max(1L, std::atol(kMore)) : 1;
-
-/// Whether a part of `text` is such as `part`.
-bool has(const std::string& text, const std::regex& part) {
-  return std::regex_search(text, part);
-}
 
 /// Copies of one sample home, each for one disturbed run, and what must hold of them afterwards.
 class DisturbedRun : public ::testing::Test {
@@ -79,7 +70,7 @@ class DisturbedRun : public ::testing::Test {
     std::map<std::string, std::pair<long, long>> counts;
     bool before = true;
     for (const std::string& line : trace({browser}, calls)) {
-      before = before && !has(line, kAfterKeepList);
+      before = before && !std::regex_search(line, kAfterKeepList);
       auto& [all, first] = counts[line.substr(0, line.find('('))];
       ++all;
       first += before ? 1 : 0;
@@ -100,8 +91,9 @@ class DisturbedRun : public ::testing::Test {
       const SampleItem& item = home->items()[i];
       const std::string label = when + ": " + item.path + " " + item.key;
       const bool goes = item.goesFor(browser);
-      EXPECT_TRUE(goes || now[i] == contents[i] || has(item.path, std::regex(except))) << label;
-      EXPECT_FALSE(finished && goes && now[i] && !has(label, lost)) << label;
+      EXPECT_TRUE(goes || now[i] == contents[i] || std::regex_search(item.path, std::regex(except)))
+          << label;
+      EXPECT_FALSE(finished && goes && now[i] && !std::regex_search(label, lost)) << label;
       if (item.key.starts_with("SELECT") && stores.insert(item.path).second) {
         EXPECT_EQ(plainly(home->path(item.path), "PRAGMA integrity_check"), Names{"ok"}) << label;
       }
@@ -116,46 +108,43 @@ class DisturbedRun : public ::testing::Test {
 };
 
 TEST_F(DisturbedRun, FailingCallsLoseNothingThatIsKept) {
-  const Names errors = {"EACCES", "EIO", "ENOSPC"};
-  std::size_t turn = 0;
+  static long turn = 0;
   for (const std::string& browser : kEveryBrowser) {
     for (const auto& [call, counts] : counted(browser, kCalls)) {
-      for (long round = 0; round < kRounds; ++round) {
-        const long step = 1 + round % 5;
-        const std::string what = ":error=" + errors[++turn % errors.size()] +
-                                 ":when=" + std::to_string(counts.second + 1 + round / 5) + "+" +
-                                 std::to_string(step);
-        const std::string label = browser + " " + call + what;
-        // With every write failing, overwriting goes on until its count wraps around, as it is
-        // meant to: four thousand million calls.
-        const bool secure = turn % 2 == 0 && (call != "write" || step > 1);
-        reset();
-        const WorkerRun result =
-            run({browser, "-secureDeleteData", secure ? "YES" : "NO"}, call, what);
-        EXPECT_TRUE(result.status == 0 || result.status == 70) << label << " " << result.status;
-        EXPECT_EQ(result.output, "") << label;
-        // A folder of Silverlight stores that cannot be listed counts as empty, and with an empty
-        // one the whole plug-in goes: that is the rule.
-        expectKept(browser, label, has(call, std::regex("open|getdents")) ? "Silverlight" : "^$");
-      }
+      const Names errors = {"EACCES", "EIO", "ENOSPC"};
+      const long at = ++turn / 5 % std::max(1L, counts.first - counts.second), step = 1 + turn % 5;
+      const std::string what = ":error=" + errors[turn % errors.size()] +
+                               ":when=" + std::to_string(counts.second + 1 + at) + "+" +
+                               std::to_string(step);
+      const std::string label = browser + " " + call + what;
+      // With every write failing, overwriting goes on until its count wraps around, as it is meant
+      // to: four thousand million calls.
+      const bool secure = turn % 2 == 0 && (call != "write" || step > 1);
+      reset();
+      const WorkerRun result =
+          run({browser, "-secureDeleteData", secure ? "YES" : "NO"}, call, what);
+      EXPECT_TRUE((result.status == 0 || result.status == 70) && result.output.empty())
+          << label << " " << result.status << result.output;
+      // A folder of Silverlight stores that cannot be listed counts as empty, and with an empty one
+      // the whole plug-in goes: that is the rule.
+      expectKept(browser, label,
+                 call.starts_with("open") || call == "getdents64" ? "Silverlight" : "^$");
     }
   }
 }
 
 TEST_F(DisturbedRun, KillsAtWriteCallsLoseNothing) {
-  long turn = 0;
+  static long turn = 0;
   for (const std::string& browser : kEveryBrowser) {
     for (const auto& [call, counts] : counted(browser, kWriteCalls)) {
-      const long step = std::max(1L, 60 / kRounds);
-      for (long at = 1 + ++turn * 37 % step; at <= counts.first; at += step) {
-        const std::string what = ":signal=KILL:when=" + std::to_string(at);
-        const std::string label = browser + " " + call + what;
-        reset();
-        EXPECT_EQ(run({browser}, call, what).status, 128 + SIGKILL) << label;
-        expectKept(browser, label);
-        EXPECT_EQ(run({browser}, "none").status, 0) << label;
-        expectKept(browser, label + ", second run", "^$", true);
-      }
+      const std::string what =
+          ":signal=KILL:when=" + std::to_string(1 + ++turn * 37 % counts.first);
+      const std::string label = browser + " " + call + what;
+      reset();
+      EXPECT_EQ(run({browser}, call, what).status, 128 + SIGKILL) << label;
+      expectKept(browser, label);
+      EXPECT_EQ(run({browser}, "none").status, 0) << label;
+      expectKept(browser, label + ", second run", "^$", true);
     }
   }
 }
@@ -193,7 +182,7 @@ TEST_F(DisturbedRun, DatabasesAreOpenedAsOftenAsTheyShould) {
         {"Opera", "com.operasoftware.Opera/Cookies\"", 12}}) {
     const auto opened = [&] {
       const Names lines = trace({browser}, kOpenCalls);
-      return std::ranges::count_if(lines, [&](auto& line) { return has(line, std::regex(file)); });
+      return std::ranges::count_if(lines, [&](auto& line) { return line.find(file) != line.npos; });
     };
     reset();
     const auto first = opened();
@@ -218,27 +207,23 @@ TEST_F(DisturbedRun, AFailedListingPrunesNoTrackerAndRemovalGoesOnBehindAFailure
 TEST_F(DisturbedRun, FoldersSwappedForLinksLeadNowhere) {
   const std::string cache = home->home() + "/Library/Caches/Camino/Cache/";
   scratch.file("canary/deep/file");
-  for (long round = 0; round < kRounds; ++round) {
-    for (int i = 0; i < 20; ++i) {
-      const std::string name = std::to_string(i);
-      fs::create_directories(cache + name + "/deep");
-      fs::remove_all(scratch.path("links/" + name));
-      scratch.link("links/" + name, scratch.path("canary"));
-    }
-    std::atomic<bool> ends = false;
-    std::thread swapper([&] {
-      for (int i = 0; !ends; i = (i + 1) % 20) {
-        const std::string name = std::to_string(i);
-        ::renameat2(AT_FDCWD, (cache + name).c_str(), AT_FDCWD,
-                    scratch.path("links/" + name).c_str(), RENAME_EXCHANGE);
-      }
-    });
-    // Two milliseconds each, in which what was a folder becomes a link.
-    run({"Camino"}, kOpenCalls, ":delay_enter=2000");
-    ends = true;
-    swapper.join();
-    ASSERT_TRUE(scratch.has("canary/deep/file"));
+  for (int i = 0; i < 20; ++i) {
+    fs::create_directories(cache + std::to_string(i) + "/deep");
+    scratch.link("links/" + std::to_string(i), scratch.path("canary"));
   }
+  std::atomic<bool> ends = false;
+  std::thread swapper([&] {
+    for (int i = 0; !ends; i = (i + 1) % 20) {
+      const std::string folder = cache + std::to_string(i);
+      const std::string link = scratch.path("links/" + std::to_string(i));
+      ::renameat2(AT_FDCWD, folder.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE);
+    }
+  });
+  // Two milliseconds each, in which what was a folder becomes a link.
+  run({"Camino"}, kOpenCalls, ":delay_enter=2000");
+  ends = true;
+  swapper.join();
+  EXPECT_TRUE(scratch.has("canary/deep/file"));
 }
 
 }  // namespace

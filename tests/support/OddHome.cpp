@@ -129,7 +129,6 @@ Sa a/b/C/com.apple.WebKit.WebContent+com.apple.Safari/MediaCache
 Ss a/b/C/{com.apple.WebProcess+com.apple.Safari/MediaCache,com.apple.Safari/ApplicationCache.db}
 - a/b/{D/MediaCache,com.apple.Safari/ApplicationCache.db}
 - {a/file,MediaCache/video,c/D/MediaCache/video}
-- a/b/L > C
 - e > c
 - a/b/E/MediaCache > ../C
 )";

@@ -25,8 +25,6 @@ class Fates {
   /// Gives every file that is an item a second name beside the volume of `home`, by which its bytes
   /// are seen after it has gone.
   explicit Fates(const MacHome& home);
-  Fates(const Fates&) = delete;
-  Fates& operator=(const Fates&) = delete;
   ~Fates() { fs::remove_all(witnesses_); }
 
   /// Expects that in a run for `browser` every item has met its fate, and that nothing else has
