@@ -8,8 +8,9 @@ NotificationBus::NotificationBus() = default;
 
 NotificationBus::~NotificationBus() = default;
 
-std::string NotificationBus::address() const {
-  return "unix:path=/dev/null";
+const std::string& NotificationBus::address() const {
+  static const std::string none = "unix:path=/dev/null";
+  return none;
 }
 
 std::vector<ReceivedNotification> NotificationBus::received() const {

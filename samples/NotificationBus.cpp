@@ -95,7 +95,7 @@ NotificationBus::NotificationBus() : service_(std::make_unique<Service>()) {}
 
 NotificationBus::~NotificationBus() = default;
 
-std::string NotificationBus::address() const {
+const std::string& NotificationBus::address() const {
   return service_->address;
 }
 

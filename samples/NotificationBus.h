@@ -25,7 +25,7 @@ class NotificationBus {
   ~NotificationBus();
 
   /// What a client needs in DBUS_SESSION_BUS_ADDRESS.
-  std::string address() const;
+  const std::string& address() const;
 
   /// What has come in so far: calls with no action and one hint, by clients that have gone.
   std::vector<ReceivedNotification> received() const;
