@@ -17,14 +17,10 @@ OSStatus SecItemCopyMatching(CFDictionaryRef given, CFTypeRef* result) {
     NSString* text = [given objectForKey:key];
     return text == nil ? std::nullopt : std::optional(utf8(text));
   };
-  const bool all = textAt(@"limit") == "all";
-  const KeychainQuery query = {
-      .service = textAt(@"svce"),
-      .account = textAt(@"acct"),
-      .returnAttributes = static_cast<bool>([[given objectForKey:@"attributes"] boolValue]),
-      .matchLimit = all ? KeychainQuery::MatchLimit::kAll : KeychainQuery::MatchLimit::kOne};
   const FileManager files(utf8(NSHomeDirectory()));
-  const Keychain::Answer answer = makeOfflineKeychain(files)->copyMatching(query);
+  const Keychain::Answer answer = makeOfflineKeychain(files)->copyMatching(
+      {KeychainQuery::ItemClass::kInternetPassword, textAt(@"svce"), textAt(@"acct"),
+       [[given objectForKey:@"attributes"] boolValue] != NO, KeychainQuery::MatchLimit::kAll});
   NSMutableArray* found = [NSMutableArray array];
   for (const KeychainAttributes& attributes : answer.items) {
     [found addObject:[NSMutableDictionary dictionary]];
@@ -32,6 +28,6 @@ OSStatus SecItemCopyMatching(CFDictionaryRef given, CFTypeRef* result) {
       [[found lastObject] setObject:nsString(value) forKey:nsString(key)];
     }
   }
-  *result = (__bridge CFTypeRef)[all ? found : [found lastObject] retain];
+  *result = (__bridge CFTypeRef)[textAt(@"limit") == "all" ? found : [found firstObject] retain];
   return textAt(@"class") == "inet" ? answer.status : Keychain::kItemNotFound;
 }

@@ -30,10 +30,9 @@
 }
 
 - (void)scheduleNotification:(NSUserNotification*)notification {
-  NSArray* all = [NSArray arrayWithArray:deliveredNotifications];
-  [self performSelector:@selector(deliver:)
-             withObject:[all arrayByAddingObject:notification]
-             afterDelay:0];
+  NSMutableArray* all = [NSMutableArray arrayWithArray:deliveredNotifications];
+  [all addObject:notification];
+  [self performSelector:@selector(deliver:) withObject:all afterDelay:0];
 }
 
 - (void)removeDeliveredNotification:(NSUserNotification*)notification {
