@@ -12,15 +12,11 @@ const KeepList kKept = {"kept.com"};
 
 using Delegate = WorkerTest;
 
-TEST_F(Delegate, NothingButTerminationStopsARefusedStart) {
+TEST_F(Delegate, OnlyTerminationStopsARefusedStartAndReportsGoOutWhereTheyMay) {
   recorder.given = {"/worker", "Safari "};
   worker.applicationDidFinishLaunching();
   EXPECT_EQ(recorder.terminations, 3);
-}
-
-TEST_F(Delegate, ReportsInTheSubtitleWhenThePreferenceAndTheSystemsVersionAllow) {
   recorder.given = {"/worker", "WebKit"};
-  worker.applicationDidFinishLaunching();
   recorder.on = {"displayNotifications"};
   for (const double version : {743.9, std::nan("")}) {
     platform.coreFoundationVersionNumber = version;

@@ -36,13 +36,12 @@ class WholeRun : public ::testing::TestWithParam<std::tuple<std::string, bool, b
     for (const Json& place : json["places"]) {
       for (const Json& item : place["items"]) {
         const std::string what = item["what"], name = item["name"];
-        const auto isOf = [&](const auto& row) {
-          return row.second.find("|" + what + "|") != what.npos &&
-                 (name.empty() || row.second.find("|" + name + "|") != name.npos);
-        };
         const bool isFile = place["unit"] == "files";
         const auto [first, last] = going.equal_range(isFile ? what : std::string(place["path"]));
-        const auto row = isFile ? first : std::find_if(first, last, isOf);
+        const auto row = std::find_if(first, last, [&](const auto& one) {
+          return isFile || (one.second.find("|" + what + "|") != what.npos &&
+                            (name.empty() || one.second.find("|" + name + "|") != name.npos));
+        });
         EXPECT_TRUE(row != last || (isFile && fs::is_directory(what))) << place["path"] << item;
         // A store that goes as a file takes its rows along.
         going.erase(row, row == last ? last : isFile ? last : std::next(row));
@@ -178,14 +177,9 @@ TEST_F(WholeRun, EndsHardWithoutAListOfProfilesOrAtAStoreWithoutASite) {
 
 TEST_F(WholeRun, PreviewRefusesBadInputInOneLine) {
   const ScratchHome scratch;
-  for (const Names& more : {Names{PREVIEW_BINARY},
-                            {PREVIEW_BINARY, "firefox"},
-                            {"HOME=", PREVIEW_BINARY, "Camino"},
-                            {"HOME=/none", PREVIEW_BINARY, "Camino"},
-                            {"TMPDIR=/none", PREVIEW_BINARY, "Camino"}}) {
-    Names command = {"/usr/bin/env"};
-    command.insert(command.end(), more.begin(), more.end());
-    const WorkerRun refused = run(scratch.home(), command);
+  for (const char* command : {R"("$0")", R"("$0" firefox)", R"(HOME= "$0" Camino)",
+                              R"(HOME=/none "$0" Camino)", R"(TMPDIR=/none "$0" Camino)"}) {
+    const WorkerRun refused = run(scratch.home(), {"/bin/bash", "-c", command, PREVIEW_BINARY});
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(std::ranges::count(refused.output, '\n'), 1) << refused.output;
   }
