@@ -24,8 +24,7 @@ TEST_F(Delegate, OnlyTerminationStopsARefusedStartAndReportsGoOutWhereTheyMay) {
     old.awakeFromNib();
     old.applicationDidFinishLaunching();
   }
-  EXPECT_EQ(recorder.delegate, nullptr);
-  EXPECT_TRUE(recorder.scheduled.empty());
+  EXPECT_TRUE(recorder.delegate == nullptr && recorder.scheduled.empty());
 
   worker.awakeFromNib();
   worker.applicationDidFinishLaunching();

@@ -101,6 +101,7 @@ class DisturbedRun : public ::testing::Test {
   }
 
   ScratchHome scratch;
+  static inline long turn = 0;
   const std::string log = scratch.path("../../log");
   const MacHome original{scratch.path("../../original")};
   const std::vector<std::optional<std::string>> contents = original.contents();
@@ -108,7 +109,6 @@ class DisturbedRun : public ::testing::Test {
 };
 
 TEST_F(DisturbedRun, FailingCallsLoseNothingThatIsKept) {
-  static long turn = 0;
   for (const std::string& browser : kEveryBrowser) {
     for (const auto& [call, counts] : counted(browser, kCalls)) {
       const Names errors = {"EACCES", "EIO", "ENOSPC"};
@@ -134,7 +134,6 @@ TEST_F(DisturbedRun, FailingCallsLoseNothingThatIsKept) {
 }
 
 TEST_F(DisturbedRun, KillsAtWriteCallsLoseNothing) {
-  static long turn = 0;
   for (const std::string& browser : kEveryBrowser) {
     for (const auto& [call, counts] : counted(browser, kWriteCalls)) {
       const std::string what =

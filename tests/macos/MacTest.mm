@@ -27,7 +27,7 @@ struct MacRunTest : WorkerTest, UserNotificationCenterDelegate {
   /// Answers the status of a run for `browser`, which prints nothing but what GNUstep logs.
   static int run(const OddHome& odd, const std::string& browser) {
     const Names command = {XVFB_RUN, "-a", MAC_WORKER, browser};
-    const WorkerRun run = runWorker(command, odd.home.home(), "", odd.workingFolder());
+    const WorkerRun run = runWorker(command, odd.home.home(), "", odd.home.volume());
     for (const std::string& line : split(run.output, '\n')) {
       EXPECT_TRUE(line.empty() || line.find("Tasselby.Worker[") != line.npos) << line;
     }

@@ -25,13 +25,12 @@ constexpr const char* kProfiles = R"(
 + Odd/databases/Databases.db: Origins (origin): - 'http_a.example_0'; - '../Bookmarks'
 %k Odd/databases/example.com/1.db
 %a Odd/{databases/http_a.example_0,Application Cache}
-- {Odd/databases/http_other.example_0/1.db,Odd/Bookmarks,Empty/other}
+- {Odd/databases/http_other.example_0/1.db,Odd/Bookmarks,Empty/other,Odd/Local Storage/https_gone.example_0.localstorage-journal}
 + Empty/databases/Databases.db: Databases (origin): % ''; % 'chrome-extension_e_0'
 % Empty/databases/chrome-extension_e_0/1.db
 %s Odd/{databases/http_socket.example_0,Local Storage/https_socket.example_0.localstorage}
 %a Odd/Local Storage/{https_socket.example_0.localstorage-journal,https_plain.example_0.localstorage}
 %s Odd/Local Storage/https_plain.example_0.localstorage-journal
-- Odd/Local Storage/https_gone.example_0.localstorage-journal
 = Library/Application Support/ROOT/Odd/Pepper Data/Shockwave Flash/WritableRoot/#SharedObjects/R1/
 % {two.example,WWW.two.example,one.example,www.one.example,^nosite}/game.sol
 - .hidden.example/game.sol

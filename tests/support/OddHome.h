@@ -13,7 +13,6 @@ struct OddHome {
 
   ScratchHome scratch;
   MacHome home;
-  std::string workingFolder() const { return home.volume(); }
 
   /// What a run for `browser` reports.
   std::string report(const std::string& browser, bool removeAll) const;
