@@ -62,7 +62,7 @@ CookieInventory WorkerAppDelegate::cookies_keepCookies(const std::string& browse
       const std::string* host = row.text(store->hostColumn);
       // A name that is no text begins with no entry of the catalogue, as the empty one.
       const std::string* text = row.text(kCookieNameColumn);
-      const std::string name = text != nullptr ? *text : "";
+      const std::string_view name = text != nullptr ? std::string_view(*text) : "";
       if (host != nullptr && hasToGo(*host, name, catalogue, keepList, inventory)) {
         inventory.rows.insert(std::move(row));
       }
