@@ -11,9 +11,9 @@ namespace tasselby {
 namespace {
 
 // For each byte of a statement's file and text, and for kBase more, as what a few rows cost does
-// not depend on the file: in time 13 ms, where a store of one row or none took at most 1.6. Measured
-// was the costliest of the worker's own: DELETE with a list of every scope there is, and the time
-// of the same with auto_vacuum.
+// not depend on the file: in time 13 ms, where a store of one row or none took at most 1.6.
+// Measured was the costliest of the worker's own: DELETE with a list of every scope there is, and
+// the time of the same with auto_vacuum.
 constexpr std::int64_t kBase = 32 << 10;
 constexpr std::int64_t kTime = 400;  // In ns. Measured: 78 and 131.
 /// Added beyond what SQLite holds of a file in memory. Measured: 386 with 4,000,000 rows.
