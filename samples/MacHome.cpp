@@ -66,13 +66,16 @@ std::vector<std::optional<std::string>> MacHome::contents() const {
   std::map<std::string, Connection> connections;
   std::vector<std::optional<std::string>> contents;
   for (const SampleItem& item : items_) {
-    std::optional<std::string> found = entryAt(path(item.path));
-    if (found && item.path.ends_with(".binarycookies")) {
-      // Domain and name stand one behind the other, a NUL behind each.
+    std::optional<std::string> found;
+    if (!item.key.starts_with("SELECT")) {
+      found = entryAt(path(item.path));
+    }
+    if (found && !item.key.empty()) {
+      // A cookie's domain and name stand one behind the other, a NUL behind each.
       std::string texts = item.key + '\0';
       texts[texts.find('|')] = '\0';
       found = found->find(texts) != std::string::npos ? std::optional(item.key) : std::nullopt;
-    } else if (found && !item.key.empty()) {
+    } else if (!item.key.empty() && fs::exists(path(item.path))) {
       if (!connections.contains(item.path)) {
         connections.emplace(item.path, plainConnection(path(item.path)));
       }

@@ -12,8 +12,9 @@ namespace tasselby {
 namespace fs = std::filesystem;
 
 std::string bytesOf(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
+  std::string bytes(fs::is_regular_file(path) ? fs::file_size(path) : 0, '\0');
+  std::ifstream(path, std::ios::binary).read(bytes.data(), std::ssize(bytes));
+  return bytes;
 }
 
 std::optional<std::string> entryAt(const fs::path& path) {
