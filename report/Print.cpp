@@ -29,16 +29,18 @@ std::string styled(int style, const std::string& text) {
   return isWanted ? "\033[" + std::to_string(style) + "m" + text + "\033[0m" : text;
 }
 
-/// `text` with "?" for what a terminal takes for more than text: control characters, those in two
-/// bytes included, and bytes that are no UTF-8.
+/// `text` with "?" for what a terminal takes for more than text: each control character, those in
+/// two bytes included, and each byte of what is no UTF-8.
 std::string shown(std::string text) {
   const bool isText = isValidUtf8(text);
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
-    const bool isSecond = i > 0 && text[i - 1] == '\xC2' && byte < 0xA0;
-    if (byte < 0x20 || byte == 0x7F || (byte >= 0x80 && (!isText || isSecond))) {
-      text[i] = '?';
+    if (isText && text[i] == '\xC2' && static_cast<unsigned char>(text[i + 1]) < 0xA0) {
+      text.erase(i, 1);
+    } else if (byte >= 0x20 && byte != 0x7F && (byte < 0x80 || isText)) {
+      continue;
     }
+    text[i] = '?';
   }
   return text;
 }
@@ -87,8 +89,8 @@ void printPlace(std::ostream& out, const RunResult& result, const Place& place, 
       << "  " << pathText(result, place.path) << '\n';
   for (const Item& item : place.gone) {
     if (items) {
-      out << "      " << item.why << ": " << pathText(result, item.what) << ' ' << shown(item.name)
-          << '\n';
+      out << "      " << item.why << ": " << pathText(result, item.what)
+          << (item.name.empty() ? "" : " ") << shown(item.name) << '\n';
     }
   }
 }

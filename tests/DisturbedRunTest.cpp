@@ -4,7 +4,6 @@
 #include <atomic>
 #include <csignal>
 #include <fcntl.h>
-#include <fstream>
 #include <regex>
 #include <thread>
 
@@ -54,12 +53,8 @@ class DisturbedRun : public ::testing::Test {
   /// The calls of an undisturbed run, each with its name first and its descriptors as paths.
   Names trace(const Names& arguments, const std::string& calls) const {
     EXPECT_EQ(run(arguments, calls).status, 0);
-    Names lines;
-    std::ifstream in(log);
-    for (std::string line; std::getline(in, line);) {
-      lines.push_back(line);
-    }
-    return lines;
+    const std::string lines = bytesOf(log);
+    return split(lines.substr(0, lines.size() - 1), '\n');
   }
 
   /// How often a run for `browser` over the home as it was makes each of `calls`, and how often

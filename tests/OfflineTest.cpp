@@ -79,19 +79,6 @@ TEST(ArgumentDomain, PairsSetPreferences) {
   }
 }
 
-TEST_F(Offline, FirstPreferencesThatHaveTheKeyDecideAndAreReadOnce) {
-  const std::string own = "Library/Preferences/com.marrowgatestudios.Tasselby.Worker.plist";
-  const std::string suite = "Library/Preferences/suite.plist";
-  home.file(own, "<dict><key>arg</key><true/><key>own</key><true/><key>odd</key><array/></dict>")
-      .file(suite, "<dict><key>own</key><false/><key>odd</key><true/><key>s</key><true/></dict>");
-  const auto defaults = makeOfflineUserDefaults({"worker", "-arg", "Safari"}, files);
-  defaults->addSuiteNamed("suite");
-  EXPECT_FALSE(defaults->boolForKey("arg") || defaults->boolForKey("odd"));
-  home.file(own, "").file(suite, "");
-  EXPECT_TRUE(defaults->boolForKey("own") && defaults->boolForKey("s") &&
-              !defaults->boolForKey("x"));
-}
-
 TEST(DesktopNotifications, TellsTheServiceTheReport) {
   const NotificationBus bus;
   UserNotification notification;

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <unistd.h>
 
+#include "samples/BinaryCookieWriter.h"
+#include "samples/KeychainWriter.h"
 #include "samples/NotificationBus.h"
 #include "tests/support/OddHome.h"
 
@@ -174,13 +176,38 @@ TEST_F(WholeRun, EndsHardWithoutAListOfProfilesOrAtAStoreWithoutASite) {
   }
 }
 
-TEST_F(WholeRun, PreviewRefusesBadInputInOneLine) {
-  const ScratchHome scratch;
-  for (const char* command : {R"("$0")", R"("$0" firefox)", R"(HOME= "$0" Camino)",
-                              R"(HOME=/none "$0" Camino)", R"(TMPDIR=/none "$0" Camino)"}) {
-    const WorkerRun refused = run(scratch.home(), {"/bin/bash", "-c", command, PREVIEW_BINARY});
-    EXPECT_EQ(refused.status, 2);
-    EXPECT_EQ(std::ranges::count(refused.output, '\n'), 1) << refused.output;
+TEST_F(WholeRun, PreviewShowsPlainTextAndRefusesBadInputInOneLine) {
+  ScratchHome scratch;
+  scratch.file("Library/Keychains/login.keychain-db", keychainFile({{.server = "www.a\x1B"}}))
+      .file("Library/Cookies/Cookies.binarycookies",
+            binaryCookieFile({{"b.c", "\xC3\xA9\xFF"}, {"b.c", "\xC3\xA9"}}))
+      .file("Library/Caches/com.apple.Safari/fsCachedData/\x7F\xC2\x85\xC2\xA1",
+            std::string(1500, ' '))
+      .file("../../private/var/folders/a/b/C/MediaCache/1", std::string(1000000, ' '));
+  const Names command = {PREVIEW_BINARY, "Safari", "--items"};
+  EXPECT_EQ(replaced(run(scratch.home(), command).output, scratch.home(), "HOME"),
+            R"(A run for Safari over HOME would remove:
+
+Sites kept, each for a saved password:
+  a?  www.a? in the login keychain
+
+  goes                 stays
+  2 cookies                0  ~/Library/Cookies/Cookies.binarycookies
+      not kept: b.c é
+      not kept: b.c ???
+  1 file, 1.5 kB           0  ~/Library/Caches/com.apple.Safari
+      cache: ~/Library/Caches/com.apple.Safari/fsCachedData/??¡
+  1 file, 1.0 MB           0  /private/var/folders/a/b/C
+      cache: /private/var/folders/a/b/C/MediaCache/1
+  nothing from 3 other places
+
+Report: 2 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache removed from Safari
+)");
+  for (const char* odd : {R"("$0")", R"("$0" firefox)", R"(HOME= "$0" Camino)",
+                          R"(HOME=/none "$0" Camino)", R"(TMPDIR=/none "$0" Camino)"}) {
+    const WorkerRun refused = run(scratch.home(), {"/bin/bash", "-c", odd, PREVIEW_BINARY});
+    EXPECT_TRUE(refused.status == 2 && std::ranges::count(refused.output, '\n') == 1)
+        << refused.output;
   }
 }
 

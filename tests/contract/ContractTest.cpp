@@ -35,7 +35,7 @@ TEST(AdapterContract, UserDefaultsReadTheFirstDomainThatHasTheKey) {
   for (const char* key : {"true", "1", "2", "YES", "own", "argument"}) {
     EXPECT_TRUE(platform->userDefaults.boolForKey(key)) << key;
   }
-  for (const char* key : {"false", "0", "NO", "maybe", "list", "both", "absent"}) {
+  for (const char* key : {"false", "0", "NO", "maybe", "list", "both", "odd", "off", "absent"}) {
     EXPECT_FALSE(platform->userDefaults.boolForKey(key)) << key;
   }
 }
@@ -81,11 +81,11 @@ int main(int argc, char* argv[]) {
             <key>1</key><integer>1</integer> <key>2</key><integer>2</integer>
             <key>0</key><integer>0</integer> <key>YES</key><string>YES</string>
             <key>NO</key><string>NO</string> <key>maybe</key><string>maybe</string>
-            <key>list</key><array><true/></array></dict></plist>)")
+            <key>list</key><array><true/></array> <key>odd</key><true/></dict></plist>)")
       .file(
           "Library/Preferences/com.marrowgatestudios.Tasselby.Worker.plist",
           R"(<?xml version="1.0"?><plist version="1.0"><dict><key>both</key><false/> <key>own</key><true/>
-            </dict></plist>)")
+            <key>odd</key><array/> <key>off</key><true/></dict></plist>)")
       .file("Library/Keychains/login.keychain-db",
             keychainFile({{.server = "www.example.com"},
                           {.server = "b\xC3\xBC.example", .account = "berta"},

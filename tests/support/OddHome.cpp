@@ -1,5 +1,6 @@
 #include "tests/support/OddHome.h"
 
+#include <regex>
 #include <tuple>
 
 namespace tasselby {
@@ -160,13 +161,11 @@ const std::map<std::string, Names> kCounts = {
 }  // namespace
 
 std::string OddHome::report(const std::string& browser, bool removeAll) const {
-  std::string report =
-      "% Cookies (% Tracking Cookies), % Databases, % Flash, % Silverlight, and Cache removed "
-      "from ";
-  for (const std::string& count : split(kCounts.at(browser)[removeAll ? 1 : 0], ' ')) {
-    report.replace(report.find('%'), 1, count);
-  }
-  return report + browser;
+  return std::regex_replace(kCounts.at(browser)[removeAll ? 1 : 0],
+                            std::regex("(.*) (.*) (.*) (.*) (.*)"),
+                            "$1 Cookies ($2 Tracking Cookies), $3 Databases, $4 Flash, "
+                            "$5 Silverlight, and Cache removed from " +
+                                browser);
 }
 
 OddHome::OddHome() : home(scratch.volume()) {
