@@ -29,14 +29,14 @@ struct CookieInventory {
 
 /// What `removeCookies_keepCookies` answers: the inventory's counts.
 struct CookieCounts {
-  std::int64_t cookies = 0;
-  std::int64_t tracking = 0;
+  std::int64_t cookies;
+  std::int64_t tracking;
 };
 
 /// The distinct pairs of profile and host in a Chromium browser's own Flash player.
 struct PepperFlashCounts {
-  std::int32_t seen = 0;
-  std::int32_t removed = 0;
+  std::int32_t seen;
+  std::int32_t removed;
 };
 
 /// The application's delegate: every operation of a run, in the order of a run.

@@ -22,6 +22,11 @@ namespace {
 // Below a file there is never anything.
 constexpr const char* kNowhere = "/dev/null";
 
+/// What the system takes for `path`: nothing where a NUL byte would cut it short.
+std::string whole(const std::string& path) {
+  return path.find('\0') == std::string::npos ? path : "";
+}
+
 /// The type bits of what the system finds at `path`; 0 when that is nothing.
 mode_t typeAt(const std::string& path, bool followLinks) {
   struct stat status = {};
@@ -68,7 +73,7 @@ std::string FileManager::onVolume(const std::string& path) const {
 }
 
 std::string FileManager::located(const std::string& path, bool /*followLinks*/) const {
-  return path.find('\0') == std::string::npos ? path : "";
+  return whole(path);
 }
 
 bool FileManager::fileExistsAtPath(const std::string& path) const {
@@ -133,23 +138,23 @@ bool FileManager::hasItemAtPath(const std::string& path) const {
 }
 
 int FileManager::openForOverwriting(const std::string& path) const {
-  return ::open(located(path, true).c_str(), O_RDWR | O_CLOEXEC);
+  return ::open(whole(path).c_str(), O_RDWR | O_CLOEXEC);
 }
 
 void FileManager::removeItemAtPath(const std::string& path) const {
   if (path.ends_with('/')) {
     return removeItemAtPath(path.substr(0, path.size() - 1));
   }
-  removeTree(located(path, false));
+  removeTree(whole(path));
 }
 
 bool FileManager::emptyFolderAtPath(const std::string& path,
                                     const std::vector<std::string>& but) const {
-  return emptyFolder(located(path, false), but);
+  return emptyFolder(whole(path), but);
 }
 
 void FileManager::setAsideItemAtPath(const std::string& path, const std::string& newPath) const {
-  std::rename(located(path, false).c_str(), newPath.c_str());
+  std::rename(whole(path).c_str(), newPath.c_str());
 }
 
 }  // namespace tasselby

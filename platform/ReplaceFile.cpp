@@ -26,9 +26,8 @@ bool writeAll(int descriptor, std::string_view bytes) {
 
 /// Owner and group come before the permission bits, some of which a change of them clears.
 bool takeOver(int descriptor, const struct stat& old) {
-  // Only a superuser may give a file away; its group is a member's to set.
-  [[maybe_unused]] const bool owned = ::fchown(descriptor, old.st_uid, old.st_gid) == 0 ||
-                                      ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+  // Only a superuser may give a file away.
+  [[maybe_unused]] const bool owned = ::fchown(descriptor, old.st_uid, old.st_gid) == 0;
   return ::fchmod(descriptor, old.st_mode & kPermissionBits) == 0;
 }
 

@@ -37,7 +37,7 @@ bool clone(const std::string& from, const std::string& to) {
 #elif defined(__linux__)
   const int source = ::open(from.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   const int target = ::open(to.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-  const bool cloned = source >= 0 && target >= 0 && ::ioctl(target, FICLONE, source) == 0;
+  const bool cloned = ::ioctl(target, FICLONE, source) == 0;
   ::close(source);
   ::close(target);
   return cloned;

@@ -39,7 +39,7 @@ int preview(std::vector<std::string> arguments) try {
   }
   const std::string home = homeFolder();
   if (home.empty() || ::access((home + "/").c_str(), R_OK | X_OK) != 0) {
-    return refuse("HOME is missing or cannot be read: " + home);
+    return refuse("HOME is missing or cannot be read" + (home.empty() ? home : ": " + home));
   }
   raiseOpenFileLimit();
   const RunResult result = forecast(arguments, FileManager(home), ScratchFolder());

@@ -15,6 +15,7 @@ namespace tasselby {
 namespace {
 
 constexpr const char* kServiceName = "org.freedesktop.Notifications";
+constexpr const char* kObjectPath = "/org/freedesktop/Notifications";
 
 /// Reads the call Notify(application, replaces, icon, summary, body, actions, hints, expiry), which
 /// has no action and one hint that is a boolean.
@@ -28,7 +29,8 @@ bool read(sd_bus_message* call, ReceivedNotification& received) {
   const bool isWhole = sd_bus_message_read(call, "susssasa{sv}i", &application, nullptr, nullptr,
                                            &summary, &body, 0, 1, &hint, "b", &isSet, nullptr) > 0;
   received = {application, summary, body, hint == std::string("suppress-sound") && isSet != 0};
-  return isWhole && destination != nullptr && destination == std::string(kServiceName);
+  return isWhole && destination != nullptr && destination == std::string(kServiceName) &&
+         sd_bus_message_get_path(call) == std::string(kObjectPath);
 }
 
 }  // namespace

@@ -85,8 +85,6 @@ Allowance::~Allowance() {
   if (connection_ != nullptr) {
     sqlite3_progress_handler(connection_, 0, nullptr, nullptr);
     sqlite3_hard_heap_limit64(0);
-    sqlite3_limit(connection_, SQLITE_LIMIT_VDBE_OP, kMost);
-    sqlite3_limit(connection_, SQLITE_LIMIT_FUNCTION_ARG, kMost);
   }
 }
 

@@ -1,7 +1,6 @@
 // What of the delegate's operations a whole run over a full home does not show.
 #include <cmath>
 
-#include "samples/KeychainWriter.h"
 #include "tests/support/Testing.h"
 
 namespace tasselby {
@@ -45,16 +44,6 @@ TEST_F(Delegate, OnlyTerminationStopsARefusedStartAndReportsGoOutWhereTheyMay) {
   EXPECT_EQ(recorder.scheduled.size(), 1U);
 }
 
-TEST_F(Delegate, PasswordsKeepTheirSitesOnceInOrderButNoneOfMachinesNearby) {
-  std::vector<SavedPassword> saved;
-  for (const char* server : {"www.example.com", "mail.example.com", "local.example.de", "localhost",
-                             "Printer.LOCAL", "local", "www.anna.certificate", "^odd"}) {
-    saved.push_back({.server = server});
-  }
-  home.file("Library/Keychains/login.keychain-db", keychainFile(saved));
-  EXPECT_EQ(worker.getSmartFavouritesArray().sites(), (Names{"example.com", "local.example.de"}));
-}
-
 TEST_F(Delegate, ALockedDatabaseCountsAndTheOthersAreDone) {
   for (const char* profile : {"open", "locked"}) {
     plainly(home.folder(kFirefox + profile).path(kFirefox + profile + "/cookies.sqlite"),
@@ -95,7 +84,6 @@ TEST_F(Delegate, UnknownBrowsersLoseOnlyWhatIsSharedAndProfilesAreThoseListed) {
     EXPECT_EQ(home.snapshot(), before) << browser;
   }
   EXPECT_EQ(worker.userProfiles("Opera"), worker.userProfiles("Chromium"));
-  EXPECT_FALSE(worker.clearChromeFlash_keep("Opera", {}));
   const auto pepper = worker.clearChromeFlash_keep("Chromium", {"example.com"});
   EXPECT_EQ(std::pair(pepper->seen, pepper->removed), std::pair(16, 14));
   // One without a name is the folder of the browser itself.

@@ -189,6 +189,10 @@ TEST_F(DisturbedRun, AFailedListingPrunesNoTrackerAndRemovalGoesOnBehindAFailure
   // Two calls a listing: the entries, and their end. The second listing is the tracker's.
   run({"Safari"}, "getdents64", ":error=EIO:when=3", storage);
   EXPECT_EQ(plainly(tracker, "SELECT * FROM Origins"), rows);
+  // What another worker sets aside meanwhile may be there again.
+  const std::string store =
+      "/" + kSupport + "Microsoft/Silverlight/is/ab12cd34.ef5/gh67ij89.kl0/1/s/10.0.0.7";
+  EXPECT_EQ(run({"Camino"}, "openat", ":error=ENOENT:when=1", store + "/id.dat").status, 0);
   const std::string cache = "/Library/Caches/Camino/Cache";
   home->add("= Library/Caches/Camino/Cache/\n- {1,2/3,4/5/6,4/7,8}\n");
   run({"Camino"}, "unlinkat", ":error=EACCES", cache + "/4/5");

@@ -12,10 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-struct Files : ::testing::Test {
-  ScratchHome home;
-  FileManager files{home.home()};
-};
+using Files = WorkerTest;
 
 TEST_F(Files, PathsJoinWithOneSlashAndNamesThatLeadOutAreTold) {
   EXPECT_EQ(join("/a/", "/b/") + join("/", "b") + join("/a/", ""), "/a/b/b/a/");
@@ -58,12 +55,13 @@ TEST_F(Files, OverwritingRepeatsOneBufferAndARefusedPhaseLeavesTheFileOpen) {
   const std::string random = home.contents("file");
   EXPECT_EQ(random.find('\xFF'), std::string::npos);
   EXPECT_TRUE(std::equal(random.begin() + 1024, random.end(), random.begin()));
-  EXPECT_TRUE(SecureDelete::wipe_phase(files, path, 3));
+  const int input = ::dup(0);
+  ::close(0);
+  EXPECT_TRUE(SecureDelete::wipe_phase(files, path, 3)) << "by descriptor 0";
   EXPECT_TRUE(home.contents("file") != random) << "seeded anew";
-  const int free = ::dup(0);
-  ::close(free);
   EXPECT_FALSE(SecureDelete::wipe_phase(files, path, 4));
-  EXPECT_GT(::dup(0), free);
+  EXPECT_GT(::dup(input), 0);
+  ::dup2(input, 0);
 }
 
 /// Files that can be opened, and not written.

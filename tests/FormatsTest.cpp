@@ -56,7 +56,7 @@ TEST(KeychainFile, PassesOverExactlyWhatIsDamaged) {
       // Accounts that are numbers; strings in place of blobs; a record too many, one that outgrows
       // its table, one of nothing but words, one shorter than its words.
       "10a7:2>a6f4-b1d4- 1127:0,11a7:0>a6f4a4b1d4a4 128b:3>a6f4a4b1d4a4 138f:e5>a6f4a4 "
-      "138f:68>a6f4a4--- 138f:67>a6f4a4 "
+      "138f:68>a6f4a4--- 138f:67>a6f4a4 12ab:18,12c2:0,12c3:cc>--- "
       // No value; one outside of its record; a length that outgrows its record, one that does not;
       // the first of 1024 values, of more, of none.
       "12ff:0>-f4a4b1d4a4 12ff:e5>-f4a4b1d4a4 136f:1d>-f4a4b1d4a4 136f:1c>a28f4a4b1d4a4 "

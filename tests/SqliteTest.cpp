@@ -140,6 +140,9 @@ TEST_F(SqliteTest, EndsStatementsThatWouldNotEndAndGoesOnWithTheNext) {
     EXPECT_EQ(rowsOf(endless + "* FROM c WHERE host = 2"), 0);
     EXPECT_EQ(sqlite.errorCode(), SQLITE_INTERRUPT);
   }
+  // Of a store larger than what SQLite holds in memory all is read.
+  plainly(path, "CREATE TABLE t AS " + endless + "zeroblob(1000) FROM c LIMIT 5000");
+  EXPECT_EQ(rowsOf("SELECT 1 FROM t"), 5000);
   // More than a file may ask for, on a connection that is used as it is.
   sqlite.set_db(sqlite._db());
   EXPECT_EQ(rowsOf("SELECT zeroblob(8 << 20) UNION ALL SELECT hex(1)"), 2);

@@ -110,7 +110,7 @@ G Google/Chrome/Default/Application Cache > ../../../../cache
   G 'gone.example', 'a', 1; G 'gone.example', 'b', 2
 - Google/Chrome/Profile 1/Cookies > ../Default/Cookies
 + Chromium/Default/databases/Databases.db: Databases (origin):
-  - 'http_b'') OR (''1''=''1_0'; - 'http_c_0'
+  - 'http_c_0'; - 'http_b'') OR (''1''=''1_0'
 C Chromium/Default/databases/http_b') OR ('1'='1_0/1.db
 = Library/
 S Cookies/Cookies.binarycookies: 'gone.example', 'a'
@@ -178,43 +178,58 @@ TEST_F(WholeRun, EndsHardWithoutAListOfProfilesOrAtAStoreWithoutASite) {
 
 TEST_F(WholeRun, PreviewShowsPlainTextAndRefusesBadInputInOneLine) {
   ScratchHome scratch;
-  scratch.file("Library/Keychains/login.keychain-db", keychainFile({{.server = "www.a\x1B"}}))
+  std::vector<SavedPassword> saved;
+  for (const char* server : {"www.a.x", "b.a.x", "local.a", "localhost", "P.LOCAL", "local",
+                             "a.certificate", "^a", "\x1B"}) {
+    saved.push_back({.server = server});
+  }
+  scratch.file("Library/Keychains/login.keychain-db", keychainFile(saved))
       .file("Library/Cookies/Cookies.binarycookies",
-            binaryCookieFile({{"b.c", "\xC3\xA9\xFF"}, {"b.c", "\xC3\xA9"}}))
-      .file("Library/Caches/com.apple.Safari/fsCachedData/\x7F\xC2\x85\xC2\xA1",
-            std::string(1500, ' '))
-      .file("../../private/var/folders/a/b/C/MediaCache/1", std::string(1000000, ' '));
-  const Names command = {PREVIEW_BINARY, "Safari", "--items"};
-  EXPECT_EQ(replaced(run(scratch.home(), command).output, scratch.home(), "HOME"),
-            R"(A run for Safari over HOME would remove:
+            binaryCookieFile({{"b.c", "\xC3\xA9\xFF"}, {"b.c", "\xC3\xA9"}, {"a.x", ""}}))
+      .file("../../private/var/folders/a/b/C/MediaCache/\x7F\xC2\x85\xC2\xA1",
+            std::string(1 << 20, ' '));
+  Names command = {"/usr/bin/env", "CLICOLOR_FORCE=1", PREVIEW_BINARY, "Safari", "--items"};
+  const std::string styled = run(scratch.home(), command).output;
+  EXPECT_EQ(replaced(replaced(styled, scratch.home(), "HOME"), "\033", "^"),
+            R"(^[1mA run for Safari over HOME would remove:^[0m
 
 Sites kept, each for a saved password:
-  a?  www.a? in the login keychain
+  ^[32ma.x^[0m      www.a.x in the login keychain
+  ^[32mb.a.x^[0m    b.a.x in the login keychain
+  ^[32mlocal.a^[0m  local.a in the login keychain
+  ^[32m?^[0m        ? in the login keychain
 
-  goes                 stays
-  2 cookies                0  ~/Library/Cookies/Cookies.binarycookies
+^[1m  goes                 stays^[0m
+  ^[31m2 cookies           ^[0m     1  ~/Library/Cookies/Cookies.binarycookies
       not kept: b.c é
       not kept: b.c ???
-  1 file, 1.5 kB           0  ~/Library/Caches/com.apple.Safari
-      cache: ~/Library/Caches/com.apple.Safari/fsCachedData/??¡
-  1 file, 1.0 MB           0  /private/var/folders/a/b/C
-      cache: /private/var/folders/a/b/C/MediaCache/1
-  nothing from 3 other places
+  ^[31m1 file, 1.0 MB      ^[0m     0  /private/var/folders/a/b/C
+      cache: /private/var/folders/a/b/C/MediaCache/??¡
+^[2m  nothing from 3 other places^[0m
 
 Report: 2 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache removed from Safari
 )");
-  for (const char* odd : {R"("$0")", R"("$0" firefox)", R"(HOME= "$0" Camino)",
-                          R"(HOME=/none "$0" Camino)", R"(TMPDIR=/none "$0" Camino)"}) {
-    const WorkerRun refused = run(scratch.home(), {"/bin/bash", "-c", odd, PREVIEW_BINARY});
-    EXPECT_TRUE(refused.status == 2 && std::ranges::count(refused.output, '\n') == 1)
-        << refused.output;
+  command.insert(command.begin() + 1, "NO_COLOR=");
+  EXPECT_EQ(run(scratch.home(), command).output.find('\033'), styled.npos);
+  std::string refused;
+  for (const char* setting : {"A=", "-uHOME", "HOME=/none", "TMPDIR=/none"}) {
+    command = {"/usr/bin/env", setting, PREVIEW_BINARY, refused.empty() ? "firefox" : "Camino"};
+    const WorkerRun result = run(scratch.home(), command);
+    refused += std::to_string(result.status) + " " + result.output;
   }
+  EXPECT_EQ(replaced(refused, "2 tasselby-preview: ", ""),
+            R"(name one of Safari, WebKit, Google Chrome, Chromium, Camino, Firefox, Opera
+HOME is missing or cannot be read
+HOME is missing or cannot be read: /none
+no room for a scratch folder; TMPDIR names another place
+)");
 }
 
 TEST_F(WholeRun, PreviewLeavesNothingBehindWhereverASignalEndsIt) {
   const OddHome odd;
   const ScratchHome folder;
-  const std::string script = "TMPDIR=$1 \"$2\" Safari & sleep $3; kill -HUP $!; wait $!";
+  const std::string script =
+      "TMPDIR=$1 \"$2\" Safari & sleep $3; kill -HUP $!; wait $! && exit $(ls $1 | wc -l)";
   int status = 129;
   // The run is over when what removes the scratch folder lets go of the output as well.
   for (double seconds = 0.0005; status == 129; seconds *= 2) {
@@ -231,18 +246,15 @@ const std::string kCache = "Library/Caches/Camino/Cache";
 const std::string kLocalState = R"({"profile": {"info_cache": {"Default": {"name": "a"},
     "..": {"name": "b"}, "../..": {"name": "c"}, "/": {"name": "d"}, "a/../..": {"name": "e"}}}})";
 
-/// What a run looks at by name, and then, each by itself, what may end it.
-const std::vector<Names> kPaths = {
-    {"Library/Keychains/login.keychain-db",
-     "Library/Preferences/com.marrowgatestudios.Tasselby.plist",
-     "Library/Cookies/Cookies.binarycookies", kCache, "Library/Caches/Firefox/Profiles/p",
-     "Library/Safari/LocalStorage/StorageTracker.db",
-     "Library/Preferences/Macromedia/Flash Player/#SharedObjects/R",
-     kSupport + "Google/Chrome/Default", kSupport + "Chromium/Default/Local Storage",
-     kSupport + "com.operasoftware.Opera/Cookies", kSupport + "Camino/webappsstore.sqlite",
-     kSupport + "Firefox/Profiles/p", kSupport + "Microsoft/Silverlight/is/a"},
-    {kSupport + "Google/Chrome/Local State"},
-    {kSupport + "Microsoft/Silverlight/is/b/b/c/s/store/id.dat"}};
+/// What a run looks at by name below "Library", and then, each by itself, what may end it.
+const std::string kPaths =
+    "Keychains/login.keychain-db|Preferences/com.marrowgatestudios.Tasselby.plist|"
+    "Cookies/Cookies.binarycookies|Caches/Camino/Cache|Caches/Firefox/Profiles/p|"
+    "Safari/LocalStorage/StorageTracker.db|Preferences/Macromedia/Flash Player/#SharedObjects/R|"
+    "SUPPORT/Google/Chrome/Default|SUPPORT/Chromium/Default/Local Storage|"
+    "SUPPORT/com.operasoftware.Opera/Cookies|SUPPORT/Camino/webappsstore.sqlite|"
+    "SUPPORT/Firefox/Profiles/p|SUPPORT/Microsoft/Silverlight/is/a;"
+    "SUPPORT/Google/Chrome/Local State;SUPPORT/Microsoft/Silverlight/is/b/b/c/s/store/id.dat";
 
 using HostileHome = WorkerTest;
 
@@ -255,11 +267,11 @@ TEST_F(HostileHome, LinksLoopsPipesAndDevicesLeadNowhereInAnyPlace) {
     home.file(kSupport + root + "/Local State", kLocalState);
   }
   const std::string folder = home.path("../../canary");
-  for (const Names& paths : kPaths) {
+  for (const std::string& paths : split(replaced(kPaths, "SUPPORT", "Application Support"), ';')) {
     for (const std::string& target :
          split(folder + "|/|" + folder + "/deep/file|/dev/zero|itself|pipe|socket", '|')) {
-      for (const std::string& path : paths) {
-        const std::string full = home.path(path);
+      for (const std::string& name : split(paths, '|')) {
+        const std::string path = "Library/" + name, full = home.path(path);
         fs::remove_all(full);
         if (target == "pipe") {
           ASSERT_EQ(::mkfifo(full.c_str(), 0600), 0);
@@ -272,18 +284,17 @@ TEST_F(HostileHome, LinksLoopsPipesAndDevicesLeadNowhereInAnyPlace) {
       for (const std::string& browser : kEveryBrowser) {
         const WorkerRun result = runWorker({WORKER_BINARY, browser}, home.home());
         EXPECT_TRUE((result.status == 0 || result.status == 70) && result.output.empty())
-            << paths[0] << " -> " << target << result.status << result.output;
+            << paths << " -> " << target << result.status << result.output;
       }
       for (const std::string& canary : canaries) {
-        EXPECT_EQ(home.contents(canary), "alive") << paths[0] << " -> " << target;
+        EXPECT_EQ(home.contents(canary), "alive") << paths << " -> " << target;
       }
     }
   }
 }
 
 TEST_F(HostileHome, TreesDeeperThanAnyPathCanSayGo) {
-  home.file(kCache + "/" + std::string(255, 'n'));
-  int folder = ::open(home.path(kCache).c_str(), O_RDONLY);
+  int folder = ::open(home.folder(kCache).path(kCache).c_str(), O_RDONLY);
   for (int depth = 0; depth < 3000; ++depth) {
     ASSERT_EQ(::mkdirat(folder, "d", 0700), 0);
     const int next = ::openat(folder, "d", O_RDONLY);

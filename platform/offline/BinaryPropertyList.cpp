@@ -175,9 +175,9 @@ class BinaryList {
 
   std::string_view objects_;
   std::string_view offsets_;
-  std::uint64_t offsetSize_ = 0;
-  std::uint64_t referenceSize_ = 0;
-  std::uint64_t top_ = 0;
+  std::uint64_t offsetSize_;
+  std::uint64_t referenceSize_;
+  std::uint64_t top_;
 };
 
 }  // namespace

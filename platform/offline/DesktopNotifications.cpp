@@ -26,8 +26,8 @@ struct CloseLibrary {
 };
 using Library = std::unique_ptr<void, CloseLibrary>;
 
-/// The functions of libsystemd that are needed; null those that `library` lacks. It is loaded only
-/// when a notification is due, for linking it would slow every start.
+/// The functions of libsystemd that are needed, all of them in versions since 2019. It is loaded
+/// only when a notification is due, for linking it would slow every start.
 struct BusFunctions {
   explicit BusFunctions(void* library)
       : open(reinterpret_cast<decltype(open)>(::dlsym(library, "sd_bus_open_user"))),
@@ -35,8 +35,6 @@ struct BusFunctions {
         process(reinterpret_cast<decltype(process)>(::dlsym(library, "sd_bus_process"))),
         wait(reinterpret_cast<decltype(wait)>(::dlsym(library, "sd_bus_wait"))),
         close(reinterpret_cast<decltype(close)>(::dlsym(library, "sd_bus_close_unref"))) {}
-
-  bool complete() const { return open && call && process && wait && close; }
 
   decltype(&sd_bus_open_user) open;
   decltype(&sd_bus_call_method_async) call;
@@ -91,7 +89,7 @@ void post(const UserNotification& notification, Clock::time_point deadline) {
   }
   const BusFunctions functions(library.get());
   sd_bus* opened = nullptr;
-  if (!functions.complete() || functions.open(&opened) < 0) {
+  if (functions.open(&opened) < 0) {
     return;
   }
   const std::unique_ptr<sd_bus, decltype(functions.close)> bus(opened, functions.close);

@@ -59,7 +59,6 @@ class XmlReader {
     const std::size_t at = open_--;
     if (at == top_ && !list_.top) {
       list_.top = boolOf(name);
-      isInDictionary_ = false;
       if (hasKey_) {
         fail();
       }

@@ -48,8 +48,7 @@ static const std::map<std::string, void (*)(const std::string&)> kTargets = {
      }},
     {"Keychain",
      [](const std::string& bytes) {
-       KeychainFile file(bytes);
-       while (file.next()) {
+       for (KeychainFile file(bytes); file.next();) {
        }
      }},
     {"Database",

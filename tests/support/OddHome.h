@@ -1,6 +1,5 @@
 #pragma once
 
-#include "samples/MacHome.h"
 #include "tests/support/Testing.h"
 
 namespace tasselby {
