@@ -182,7 +182,7 @@ TEST_F(DisturbedRun, DatabasesAreOpenedAsOftenAsTheyShould) {
   }
 }
 
-TEST_F(DisturbedRun, AFailedListingPrunesNoTrackerAndRemovalGoesOnBehindAFailure) {
+TEST_F(DisturbedRun, FailedCallsHaveTheConsequencesTheyShould) {
   const std::string storage = "/Library/Safari/LocalStorage";
   const std::string tracker = home->home() + storage + "/StorageTracker.db";
   const Names rows = plainly(tracker, "SELECT * FROM Origins");
@@ -190,9 +190,14 @@ TEST_F(DisturbedRun, AFailedListingPrunesNoTrackerAndRemovalGoesOnBehindAFailure
   run({"Safari"}, "getdents64", ":error=EIO:when=3", storage);
   EXPECT_EQ(plainly(tracker, "SELECT * FROM Origins"), rows);
   // What another worker sets aside meanwhile may be there again.
-  const std::string store =
-      "/" + kSupport + "Microsoft/Silverlight/is/ab12cd34.ef5/gh67ij89.kl0/1/s/10.0.0.7";
+  const std::string all = "/" + kSupport;
+  const std::string store = all + "Microsoft/Silverlight/is/ab12cd34.ef5/gh67ij89.kl0/1/s/10.0.0.7";
   EXPECT_EQ(run({"Camino"}, "openat", ":error=ENOENT:when=1", store + "/id.dat").status, 0);
+  // Of a file's size 2^32 - 8 counts, to which each failed write adds 1: after 8 it wraps around.
+  const std::string file = all + "Chromium/Default/Local Storage/https_10.0.0.7_0.localstorage";
+  fs::resize_file(home->home() + file, (std::uintmax_t{1} << 33) - 8);
+  run({"Chromium", "-secureDeleteData", "YES"}, "write", ":error=EIO", file);
+  EXPECT_FALSE(fs::exists(home->home() + file));
   const std::string cache = "/Library/Caches/Camino/Cache";
   home->add("= Library/Caches/Camino/Cache/\n- {1,2/3,4/5/6,4/7,8}\n");
   run({"Camino"}, "unlinkat", ":error=EACCES", cache + "/4/5");

@@ -1,5 +1,4 @@
 // Paths and files: what is seen and removed of them, and how they are overwritten.
-#include <fcntl.h>
 #include <unistd.h>
 
 #include "platform/Paths.h"
@@ -62,20 +61,6 @@ TEST_F(Files, OverwritingRepeatsOneBufferAndARefusedPhaseLeavesTheFileOpen) {
   EXPECT_FALSE(SecureDelete::wipe_phase(files, path, 4));
   EXPECT_GT(::dup(input), 0);
   ::dup2(input, 0);
-}
-
-/// Files that can be opened, and not written.
-struct Unwritable : FileManager {
-  using FileManager::FileManager;
-  int openForOverwriting(const std::string& path) const override {
-    return ::open(path.c_str(), O_RDONLY);
-  }
-};
-
-TEST_F(Files, OverwritingCountsTheLowHalfOfTheSizeAndSubtractsWhatAFailedWriteAnswered) {
-  fs::resize_file(home.file("sparse").path("sparse"), (std::uintmax_t{1} << 33) - 8);
-  // Of the size 2^32 - 8 counts, to which each -1 adds, until it wraps to 0 after 8 failures.
-  EXPECT_TRUE(SecureDelete::wipe_phase(Unwritable(""), home.path("sparse"), 1));
 }
 
 TEST_F(Files, DisposalRemovesOnlyWhatCouldBeOverwritten) {

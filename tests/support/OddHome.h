@@ -4,6 +4,11 @@
 
 namespace tasselby {
 
+/// By browser: what a run reports, without and with "removeAll", being cookies, tracking cookies,
+/// databases, Flash, Silverlight; and what a preview tells beyond it, being bytes that go, items of
+/// caches, of what is never kept and of what is not, what stays beside them, and tracking cookies.
+extern const std::map<std::string, Names> kCounts;
+
 /// The sample home, and in it everything odd that a home can have: names, links, sockets, files in
 /// place of folders, rows without a text, profiles that are none. Beside it, on the volume, is a
 /// folder named "~".
