@@ -183,16 +183,16 @@ TEST_F(DisturbedRun, DatabasesAreOpenedAsOftenAsTheyShould) {
 }
 
 TEST_F(DisturbedRun, FailedCallsHaveTheConsequencesTheyShould) {
+  // What another worker sets aside meanwhile may be there again.
+  const std::string all = "/" + kSupport;
+  const std::string store = all + "Microsoft/Silverlight/is/ab12cd34.ef5/gh67ij89.kl0/1/s/10.0.0.7";
+  EXPECT_EQ(run({"Camino"}, "openat", ":error=ENOENT:when=1", store + "/id.dat").status, 0);
   const std::string storage = "/Library/Safari/LocalStorage";
   const std::string tracker = home->home() + storage + "/StorageTracker.db";
   const Names rows = plainly(tracker, "SELECT * FROM Origins");
   // Two calls a listing: the entries, and their end. The second listing is the tracker's.
   run({"Safari"}, "getdents64", ":error=EIO:when=3", storage);
   EXPECT_EQ(plainly(tracker, "SELECT * FROM Origins"), rows);
-  // What another worker sets aside meanwhile may be there again.
-  const std::string all = "/" + kSupport;
-  const std::string store = all + "Microsoft/Silverlight/is/ab12cd34.ef5/gh67ij89.kl0/1/s/10.0.0.7";
-  EXPECT_EQ(run({"Camino"}, "openat", ":error=ENOENT:when=1", store + "/id.dat").status, 0);
   // Of a file's size 2^32 - 8 counts, to which each failed write adds 1: after 8 it wraps around.
   const std::string file = all + "Chromium/Default/Local Storage/https_10.0.0.7_0.localstorage";
   fs::resize_file(home->home() + file, (std::uintmax_t{1} << 33) - 8);

@@ -1,10 +1,8 @@
 // Whole runs of the worker's binary over homes with everything in them, and previews of the same
 // runs. What is to become of an item stands where the item is made; here it is only compared.
-#include <fcntl.h>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 #include <tuple>
-#include <unistd.h>
 
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
@@ -302,15 +300,15 @@ TEST_F(HostileHome, LinksLoopsPipesAndDevicesLeadNowhereInAnyPlace) {
 }
 
 TEST_F(HostileHome, TreesDeeperThanAnyPathCanSayGo) {
-  int folder = ::open(home.folder(kCache).path(kCache).c_str(), O_RDONLY);
+  const fs::path before = fs::current_path();
+  fs::current_path(home.folder(kCache).path(kCache));
   for (int depth = 0; depth < 3000; ++depth) {
-    ASSERT_EQ(::mkdirat(folder, "d", 0700), 0);
-    const int next = ::openat(folder, "d", O_RDONLY);
-    ::close(folder);
-    folder = next;
+    fs::create_directory("d");
+    fs::current_path("d");
   }
-  ::close(folder);
-  EXPECT_EQ(runWorker({WORKER_BINARY, "Camino"}, home.home()).status, 0);
+  fs::current_path(before);
+  const std::string script = "ulimit -Sn 99; \"$0\" Camino";
+  EXPECT_EQ(runWorker({"/bin/bash", "-c", script, WORKER_BINARY}, home.home()).status, 0);
   EXPECT_FALSE(home.has(kCache));
 }
 

