@@ -85,7 +85,7 @@ TEST(DesktopNotifications, TellsTheServiceTheReport) {
   notification.subtitle = "3 < 4 & more";
   // The last would run a program, and wait for it longer than any test may take.
   for (const std::string& address :
-       {std::string(), bus.address(), std::string("unixexec:path=sleep,argv1=3000")}) {
+       {std::string(), bus.address(), std::string("unix:path=/;unixexec:path=sleep,argv1=3000")}) {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
     makeDesktopNotifications()->scheduleNotification(notification);
   }
