@@ -36,11 +36,10 @@ std::string shown(std::string text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     if (isText && text[i] == '\xC2' && static_cast<unsigned char>(text[i + 1]) < 0xA0) {
-      text.erase(i, 1);
-    } else if (byte >= 0x20 && byte != 0x7F && (byte < 0x80 || isText)) {
-      continue;
+      text.replace(i, 2, "?");
+    } else if (byte < 0x20 || byte == 0x7F || (byte >= 0x80 && !isText)) {
+      text[i] = '?';
     }
-    text[i] = '?';
   }
   return text;
 }

@@ -89,6 +89,8 @@ TEST(DesktopNotifications, TellsTheServiceTheReport) {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
     makeDesktopNotifications()->scheduleNotification(notification);
   }
+  // A Mac has no such bus.
+  EXPECT_EQ(bus.received().size(), bus.address().ends_with("/dev/null") ? 0U : 1U);
   for (const ReceivedNotification& one : bus.received()) {
     EXPECT_EQ(one.application + one.body + (one.isSilent ? "" : "!"), "Tasselby3 < 4 & more");
   }

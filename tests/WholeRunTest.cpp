@@ -191,13 +191,13 @@ TEST_F(WholeRun, EndsHardWithoutAListOfProfilesOrAtAStoreWithoutASite) {
 TEST_F(WholeRun, PreviewShowsPlainTextAndRefusesBadInputInOneLine) {
   ScratchHome scratch;
   std::vector<SavedPassword> saved;
-  for (const char* server : {"www.a.x", "b.a.x", "local.a", "localhost", "P.LOCAL", "local",
+  for (const char* server : {"www.a.com", "b.a.com", "local.a", "localhost", "P.LOCAL", "local",
                              "a.certificate", "^a", "\x1B"}) {
     saved.push_back({.server = server});
   }
   scratch.file("Library/Keychains/login.keychain-db", keychainFile(saved))
       .file("Library/Cookies/Cookies.binarycookies",
-            binaryCookieFile({{"b.c", "\xC3\xA9\xFF"}, {"b.c", "\xC3\xA9"}, {"a.x", ""}}))
+            binaryCookieFile({{"b.c", "\xC3\xA9\xFF"}, {"b.c", "\xC3\xA9"}, {"a.com", ""}}))
       .file("../../private/var/folders/a/b/C/MediaCache/\x7F\xC2\x85\xC2\xA1",
             std::string(1 << 20, ' '));
   Names command = {"/usr/bin/env", "CLICOLOR_FORCE=1", PREVIEW_BINARY, "Safari", "--items"};
@@ -206,8 +206,7 @@ TEST_F(WholeRun, PreviewShowsPlainTextAndRefusesBadInputInOneLine) {
             R"(^[1mA run for Safari over HOME would remove:^[0m
 
 Sites kept, each for a saved password:
-  ^[32ma.x^[0m      www.a.x in the login keychain
-  ^[32mb.a.x^[0m    b.a.x in the login keychain
+  ^[32ma.com^[0m    www.a.com in the login keychain
   ^[32mlocal.a^[0m  local.a in the login keychain
   ^[32m?^[0m        ? in the login keychain
 

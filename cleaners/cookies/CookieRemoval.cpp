@@ -32,8 +32,9 @@ void deleteRow(Sqlite& database, const CookieStore& store, const Row& row) {
 void deleteMozillaRows(const FileManager& files, const std::string& path,
                        const std::set<Row>& rows) {
   Sqlite database;
-  // Where there is nothing to open, nothing is run.
-  openIfThere(files, database, path);
+  if (!openIfThere(files, database, path)) {
+    return;
+  }
   for (const Row& row : rows) {
     deleteRow(database, kMozillaCookies, row);
   }
