@@ -1,6 +1,5 @@
 #include "platform/FileManager.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
@@ -34,21 +33,15 @@ mode_t typeAt(const std::string& path, bool followLinks) {
   return result == 0 ? status.st_mode & S_IFMT : 0;
 }
 
-std::optional<std::string> readAll(int descriptor, std::size_t limit) {
+std::optional<std::string> readAll(std::FILE* file, std::size_t limit) {
   struct stat status = {};
-  if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
+  if (::fstat(::fileno(file), &status) != 0 || !S_ISREG(status.st_mode) ||
       static_cast<std::uintmax_t>(status.st_size) > limit) {
     return std::nullopt;
   }
   std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
-  std::size_t filled = 0;
-  ssize_t count = 1;
-  while (count > 0 && filled < bytes.size()) {
-    count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
-    filled += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-  }
-  bytes.resize(filled);
-  return count < 0 ? std::nullopt : std::optional(std::move(bytes));
+  const bool isWhole = std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  return isWhole ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 }  // namespace
@@ -120,11 +113,12 @@ std::optional<std::string> FileManager::contentsOfFile(const std::string& path,
   // Without O_NONBLOCK, opening a FIFO waits for a writer.
   const int descriptor =
       ::open(located(path, true).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-  if (descriptor < 0) {
+  std::FILE* const file = ::fdopen(descriptor, "r");
+  if (file == nullptr) {
     return std::nullopt;
   }
-  std::optional<std::string> bytes = readAll(descriptor, limit);
-  ::close(descriptor);
+  std::optional<std::string> bytes = readAll(file, limit);
+  std::fclose(file);
   return bytes;
 }
 

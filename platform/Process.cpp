@@ -14,13 +14,12 @@ constexpr rlim_t kAlwaysTaken = 10240;
 
 void raiseOpenFileLimit() {
   rlimit limit{};
-  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
-    return;
-  }
-  const rlim_t before = std::exchange(limit.rlim_cur, limit.rlim_max);
-  if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
-    limit.rlim_cur = std::max(before, std::min(limit.rlim_max, kAlwaysTaken));
-    ::setrlimit(RLIMIT_NOFILE, &limit);
+  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+    const rlim_t before = std::exchange(limit.rlim_cur, limit.rlim_max);
+    if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
+      limit.rlim_cur = std::max(before, std::min(limit.rlim_max, kAlwaysTaken));
+      ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
   }
 }
 

@@ -13,17 +13,6 @@ namespace {
 
 constexpr mode_t kPermissionBits = 07777;
 
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count < 0) {
-      return false;
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
-}
-
 /// Owner and group come before the permission bits, some of which a change of them clears.
 bool takeOver(int descriptor, const struct stat& old) {
   // Only a superuser may give a file away.
@@ -33,25 +22,26 @@ bool takeOver(int descriptor, const struct stat& old) {
 
 }  // namespace
 
-bool replaceFile(const std::string& path, std::string_view bytes) {
+void replaceFile(const std::string& path, std::string_view bytes) {
   struct stat old = {};
   if (::lstat(path.c_str(), &old) != 0 || !S_ISREG(old.st_mode)) {
-    return false;
+    return;
   }
   // In the same folder, for only there is a rename one step.
   std::string fresh = folderOf(path) + "/.tasselby-XXXXXX";
-  const int descriptor = ::mkostemp(fresh.data(), O_CLOEXEC);
-  if (descriptor < 0) {
-    return false;
+  std::FILE* const file = ::fdopen(::mkostemp(fresh.data(), O_CLOEXEC), "w");
+  if (file == nullptr) {
+    return;
   }
-  const bool written =
-      writeAll(descriptor, bytes) && takeOver(descriptor, old) && ::fsync(descriptor) == 0;
-  ::close(descriptor);
-  if (!written || std::rename(fresh.c_str(), path.c_str()) != 0) {
-    ::unlink(fresh.c_str());
-    return false;
+  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() &&
+                       std::fflush(file) == 0 && takeOver(::fileno(file), old) &&
+                       ::fsync(::fileno(file)) == 0;
+  std::fclose(file);
+  if (written) {
+    std::rename(fresh.c_str(), path.c_str());
   }
-  return true;
+  // Where that was done, nothing has this name any more.
+  ::unlink(fresh.c_str());
 }
 
 }  // namespace tasselby

@@ -1,8 +1,8 @@
 #include "report/Forecast.h"
 
-#include <fcntl.h>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <system_error>
 #include <unistd.h>
 
@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 namespace {
 
 using Path = std::optional<std::string>;
+using Paths = std::set<std::string>;
 
 // What Linux follows on one path; a Mac follows fewer.
 constexpr int kMostLinks = 40;
@@ -63,20 +64,21 @@ class StandIn final : public FileManager {
     const fs::file_type type = fs::status(item, error).type();
     const bool opens = (type == fs::file_type::regular || type == fs::file_type::fifo) &&
                        ::access(item.c_str(), R_OK | W_OK) == 0;
-    return opens ? ::open("/dev/null", O_RDWR | O_CLOEXEC) : -1;
+    return FileManager::openForOverwriting(opens ? "/dev/null" : "");
   }
 
   void removeItemAtPath(const std::string& path) const override {
     const std::string item = located(path, false);
-    if (!item.empty() && mayChange(folderOf(item))) {
-      outcome_.removed.insert(item);
+    if (!item.empty()) {
+      goes(item, outcome_.removed);
     }
   }
 
   bool emptyFolderAtPath(const std::string& path,
                          const std::vector<std::string>& /*but*/) const override {
     // What is in it goes with the folder, which is set aside next.
-    return !hasFolderType(path) || mayChange(located(path, false));
+    Paths parts;
+    return empties(located(path, false), parts);
   }
 
   void setAsideItemAtPath(const std::string& path, const std::string& /*newPath*/) const override {
@@ -102,6 +104,8 @@ class StandIn final : public FileManager {
   }
 
  private:
+  bool empties(const std::string& folder, Paths& parts) const;
+  bool goes(const std::string& item, Paths& parts) const;
   Path resolve(const std::string& path, bool followLast, int& links) const;
   std::string storeAt(const std::string& path, const std::string& item) const;
 
@@ -109,6 +113,25 @@ class StandIn final : public FileManager {
   std::string root_;
   mutable Outcome outcome_;
 };
+
+/// Whether all in the real `folder` goes, as in what is none. `parts` gets what does.
+bool StandIn::empties(const std::string& folder, Paths& parts) const {
+  const FileManager real("");
+  bool all = true;
+  for (const std::string& name :
+       real.contentsOfDirectoryAtPath(real.hasFolderType(folder) ? folder : "")) {
+    all = goes(folder + "/" + name, parts) && all;
+  }
+  return all;
+}
+
+/// Whether the real `item` goes with all that is in it. `parts` gets it, or else what goes from it.
+bool StandIn::goes(const std::string& item, Paths& parts) const {
+  Paths below;
+  const bool isGone = empties(item, below) && mayChange(folderOf(item));
+  parts.merge(isGone ? Paths{item} : below);
+  return isGone;
+}
 
 /// The path without links, "" for the root, of what the run finds at `path`, a real one; no value
 /// when that is nothing.
@@ -189,7 +212,7 @@ std::string canonical(const std::string& path) {
 RunResult forecast(std::vector<std::string> arguments, const FileManager& files,
                    const ScratchFolder& scratch) {
   // The report is always made.
-  arguments.insert(arguments.end(), {"-displayNotifications", "YES"});
+  arguments.insert(arguments.end(), {"-displayNotifications", "1"});
   const StandIn standIn(files, scratch);
   ForecastSystem system(arguments);
   const auto defaults = makeOfflineUserDefaults(arguments, standIn);
@@ -218,7 +241,6 @@ RunResult forecast(std::vector<std::string> arguments, const FileManager& files,
   } catch (const HardError& error) {
     result.endedAt = standIn.realPath(error.at());
   }
-  cookies->synchronize();
   result.places = changesOf(standIn.outcome(), result.kept, scratch);
   return result;
 }

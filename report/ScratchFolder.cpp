@@ -74,28 +74,26 @@ ScratchFolder::ScratchFolder() {
     throwNoRoom();
   }
   path_ = (fs::canonical(temporary, error) / "tasselby-XXXXXX").native();
-  std::array<int, 2> ends{};
-  if (error || ::pipe(ends.data()) != 0) {
-    throwNoRoom();
-  }
-  held_ = ends[1];
-  ::fcntl(held_, F_SETFD, FD_CLOEXEC);
   // No signal comes between the folder and its keeper, and none that can be blocked to the keeper.
   sigset_t every;
   sigset_t before;
   sigfillset(&every);
   ::sigprocmask(SIG_SETMASK, &every, &before);
-  keeper_ = ::mkdtemp(path_.data()) != nullptr ? ::fork() : -1;
+  std::array<int, 2> ends{};
+  if (error || ::pipe(ends.data()) != 0 || ::mkdtemp(path_.data()) == nullptr) {
+    throwNoRoom();
+  }
+  held_ = ends[1];
+  keeper_ = ::fork();
   if (keeper_ == 0) {
     ::close(held_);
     keepUntilReleased(path_, ends[0]);
   }
-  ::sigprocmask(SIG_SETMASK, &before, nullptr);
-  ::close(ends[0]);
   if (keeper_ < 0) {
     fs::remove(path_, error);
     throwNoRoom();
   }
+  ::sigprocmask(SIG_SETMASK, &before, nullptr);
 }
 
 ScratchFolder::~ScratchFolder() {

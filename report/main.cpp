@@ -10,7 +10,6 @@
 
 #include "app/Browsers.h"
 #include "platform/HardError.h"
-#include "platform/Process.h"
 #include "platform/offline/OfflinePlatform.h"
 #include "report/Forecast.h"
 #include "report/Print.h"
@@ -41,7 +40,6 @@ int preview(std::vector<std::string> arguments) try {
   if (home.empty() || ::access((home + "/").c_str(), R_OK | X_OK) != 0) {
     return refuse("HOME is missing or cannot be read" + (home.empty() ? home : ": " + home));
   }
-  raiseOpenFileLimit();
   const RunResult result = forecast(arguments, FileManager(home), ScratchFolder());
   if (asJson) {
     printJson(std::cout, result);

@@ -64,20 +64,21 @@ int onAnswer(sd_bus_message* /*answer*/, void* answered, sd_bus_error* /*error*/
 }
 
 /// Begins the call that shows `notification`; `answered` becomes true when an answer arrives.
-bool notify(const BusFunctions& functions, sd_bus* bus, const UserNotification& notification,
-            bool* answered) {
+/// Answers less than 0 where that cannot be, as without a bus.
+int notify(const BusFunctions& functions, sd_bus* bus, const UserNotification& notification,
+           bool* answered) {
   constexpr std::uint32_t kReplacesNone = 0;
   constexpr const char* kNoIcon = "";
   constexpr int kNoActions = 0;
   constexpr int kOneHint = 1;
   constexpr std::int32_t kDefaultExpiry = -1;
-  const int silent = notification.soundName ? 0 : 1;
+  const int silent = static_cast<int>(!notification.soundName);
   // Deliberate: the body goes out as it is. Servers that know no markup show escapes as they
   // stand, and the report has no character that the others could take for markup.
   return functions.call(bus, nullptr, kService, kObject, kService, "Notify", onAnswer, answered,
                         "susssasa{sv}i", "Tasselby", kReplacesNone, kNoIcon,
                         notification.title.c_str(), notification.subtitle.c_str(), kNoActions,
-                        kOneHint, "suppress-sound", "b", silent, kDefaultExpiry) >= 0;
+                        kOneHint, "suppress-sound", "b", silent, kDefaultExpiry);
 }
 
 /// Shows `notification` and waits for the service's answer, so that the connection does not end
@@ -89,17 +90,14 @@ void post(const UserNotification& notification, Clock::time_point deadline) {
   }
   const BusFunctions functions(library.get());
   sd_bus* opened = nullptr;
-  if (functions.open(&opened) < 0) {
-    return;
-  }
+  functions.open(&opened);
   const std::unique_ptr<sd_bus, decltype(functions.close)> bus(opened, functions.close);
   bool answered = false;
-  bool alive = notify(functions, opened, notification, &answered);
+  int progress = notify(functions, opened, notification, &answered);
   // The library's own blocking calls would wait for a mute bus by their own, much longer limits.
-  for (auto now = Clock::now(); alive && !answered && now < deadline; now = Clock::now()) {
-    const int processed = functions.process(opened, nullptr);
-    alive = processed >= 0;
-    if (processed == 0) {
+  for (auto now = Clock::now(); progress >= 0 && !answered && now < deadline; now = Clock::now()) {
+    progress = functions.process(opened, nullptr);
+    if (progress == 0) {
       const auto left = std::chrono::ceil<std::chrono::microseconds>(deadline - now);
       functions.wait(opened, static_cast<std::uint64_t>(left.count()));
     }

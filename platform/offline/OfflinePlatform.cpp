@@ -18,19 +18,15 @@ constexpr double kCoreFoundationVersion = 744.0;
 
 class OfflineApplication final : public Application {
  public:
-  OfflineApplication(std::vector<std::string> arguments, HTTPCookieStorage& cookies)
-      : arguments_(std::move(arguments)), cookies_(cookies) {}
+  explicit OfflineApplication(std::vector<std::string> arguments)
+      : arguments_(std::move(arguments)) {}
 
   std::vector<std::string> arguments() const override { return arguments_; }
 
-  [[noreturn]] void terminate() override {
-    cookies_.synchronize();
-    std::exit(EXIT_SUCCESS);
-  }
+  [[noreturn]] void terminate() override { std::exit(EXIT_SUCCESS); }
 
  private:
   std::vector<std::string> arguments_;
-  HTTPCookieStorage& cookies_;
 };
 
 /// There are no localizations: every text is its key.
@@ -62,7 +58,7 @@ int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) 
   const auto cookieStorage = makeSafariCookies(files);
   const auto notifications = makeDesktopNotifications();
   OfflineBundle bundle;
-  OfflineApplication application(arguments, *cookieStorage);
+  OfflineApplication application(arguments);
 
   try {
     const auto delegate =
@@ -71,7 +67,6 @@ int offlineApplicationMain(int argc, char** argv, DelegateFactory makeDelegate) 
     delegate->awakeFromNib();
     delegate->applicationDidFinishLaunching();
   } catch (const std::exception&) {
-    cookieStorage->synchronize();
     return kHardErrorStatus;
   }
   return EXIT_SUCCESS;

@@ -14,6 +14,7 @@ namespace {
 constexpr const char* kProfiles = R"(
 = Library/Application Support/ROOT/
 - {,Unnamed/,Number/,Bare/Default/}Local Storage/https_gone.example_0.localstorage
+-s Bare/Cookies
 + Odd/Cookies: cookies (host_key, name, creation_utc INTEGER):
   % '.www.example.com', 'of a tracking cookie''s number', TRACKING;
   %k 'www.example.com', 'of another host', TRACKING;
@@ -149,21 +150,17 @@ constexpr const char* kCookies = R"(
 }  // namespace
 
 const std::map<std::string, Names> kCounts = {
-    {"Safari", {"48 20 16 13 8", "72 20 20 16 11", " 101231 13 21 102 82 12"}},
-    {"WebKit", {"0 0 0 13 8", "0 0 0 16 11", " 53102 2 54 28"}},
-    {"Google Chrome", {"52 21 30 30 8", "78 21 37 40 11", " 177700 11 33 145 132 13"}},
-    {"Chromium", {"52 21 28 30 8", "78 21 35 40 11", " 178331 11 33 141 136 13"}},
-    {"Camino", {"24 10 8 13 8", "36 10 14 16 11", " 54705 5 76 44 6"}},
-    {"Firefox", {"51 20 48 13 8", "79 20 84 16 11", " 64956 11 108 72 13"}},
-    {"Opera", {"24 10 12 13 8", "36 10 15 16 11", " 89690 6 14 80 63 6"}},
+    {"Safari", {"48 20 16 13 8", "72 20 20 16 11", "103928 13 2 49 21 102 2 82 12"}},
+    {"WebKit", {"0 0 0 13 8", "0 0 0 16 11", "54438 2 22 54 28"}},
+    {"Google Chrome", {"52 21 30 30 8", "78 21 37 40 11", "184186 11 3 47 33 145 6 132 13"}},
+    {"Chromium", {"52 21 28 30 8", "78 21 35 40 11", "176611 11 3 47 33 141 6 136 13"}},
+    {"Camino", {"24 10 8 13 8", "36 10 14 16 11", "56704 5 1 24 76 1 44 6"}},
+    {"Firefox", {"51 20 48 13 8", "79 20 84 16 11", "67882 11 3 30 108 3 72 13"}},
+    {"Opera", {"24 10 12 13 8", "36 10 15 16 11", "91632 6 1 27 14 80 2 63 6"}},
 };
 
-std::string OddHome::report(const std::string& browser, bool removeAll) const {
-  return std::regex_replace(kCounts.at(browser)[removeAll ? 1 : 0],
-                            std::regex("(.*) (.*) (.*) (.*) (.*)"),
-                            "$1 Cookies ($2 Tracking Cookies), $3 Databases, $4 Flash, "
-                            "$5 Silverlight, and Cache removed from " +
-                                browser);
+std::string numbersIn(const std::string& text) {
+  return std::regex_replace(text, std::regex("[^0-9]+"), " ");
 }
 
 OddHome::OddHome() : home(scratch.volume()) {

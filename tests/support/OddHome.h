@@ -5,9 +5,13 @@
 namespace tasselby {
 
 /// By browser: what a run reports, without and with "removeAll", being cookies, tracking cookies,
-/// databases, Flash, Silverlight; and what a preview tells beyond it, being bytes that go, items of
-/// caches, of what is never kept and of what is not, what stays beside them, and tracking cookies.
+/// databases, Flash, Silverlight; and what a preview tells beyond it, being bytes that go, and how
+/// many of each there are, by name: caches, stores of cookies, places of files, what is never kept
+/// and what is not, stores of rows, what stays, and tracking cookies.
 extern const std::map<std::string, Names> kCounts;
+
+/// The numbers in `text`, with a blank for what stands before, between and behind them.
+std::string numbersIn(const std::string& text);
 
 /// The sample home, and in it everything odd that a home can have: names, links, sockets, files in
 /// place of folders, rows without a text, profiles that are none. Beside it, on the volume, is a
@@ -17,9 +21,6 @@ struct OddHome {
 
   ScratchHome scratch;
   MacHome home;
-
-  /// What a run for `browser` reports.
-  std::string report(const std::string& browser, bool removeAll) const;
 };
 
 /// What a home holds before a run, to be held against what it holds afterwards.
