@@ -120,7 +120,7 @@ bool StandIn::empties(const std::string& folder, Paths& parts) const {
   bool all = true;
   for (const std::string& name :
        real.contentsOfDirectoryAtPath(real.hasFolderType(folder) ? folder : "")) {
-    all = goes(folder + "/" + name, parts) && all;
+    all = goes(join(folder, name), parts) && all;
   }
   return all;
 }
