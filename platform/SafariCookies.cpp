@@ -33,12 +33,13 @@ class SafariCookies final : public HTTPCookieStorage {
   std::vector<HTTPCookie> cookies() override {
     synchronize();
     std::vector<HTTPCookie> answer;
-    for (std::size_t file = 0; file < paths_.size(); ++file) {
-      auto contents = files_.contentsOfFile(paths_[file], kFileLimit);
+    for (const std::string& path : paths_) {
+      auto contents = files_.contentsOfFile(path, kFileLimit);
       std::error_code missing;
       // One file behind both paths is taken once.
-      if (contents && (file == 0 || !fs::equivalent(paths_[0], paths_[file], missing))) {
-        take(file, *std::move(contents), answer);
+      if (contents &&
+          (&path == &paths_.front() || !fs::equivalent(paths_.front(), path, missing))) {
+        take(path, *std::move(contents), answer);
       }
     }
     return answer;
@@ -51,23 +52,23 @@ class SafariCookies final : public HTTPCookieStorage {
   }
 
   void synchronize() override {
-    for (std::size_t file = 0; file < paths_.size(); ++file) {
+    for (const std::string& path : paths_) {
       Deletions deletions;
       for (Record& record : records_) {
-        if (record.file == file && std::exchange(record.isDeleted, false)) {
+        if (record.path == &path && std::exchange(record.isDeleted, false)) {
           ++deletions[record.bytes];
         }
       }
       if (!deletions.empty()) {
-        rewrite(paths_[file], deletions);
+        rewrite(path, deletions);
       }
     }
   }
 
  private:
-  /// A record that was answered: its file's place in `kCookieFiles`, and its bytes.
+  /// A record that was answered: its file, one of `paths_`, and its bytes.
   struct Record {
-    std::size_t file;
+    const std::string* path;
     std::string_view bytes;
     bool isDeleted;
   };
@@ -75,12 +76,12 @@ class SafariCookies final : public HTTPCookieStorage {
   /// How many records with the same bytes are to go.
   using Deletions = std::unordered_map<std::string_view, std::size_t>;
 
-  /// Appends the cookies in `contents`, those of the file `file`, to `answer`.
-  void take(std::size_t file, std::string contents, std::vector<HTTPCookie>& answer) {
+  /// Appends the cookies in `contents`, those of the file at `path`, to `answer`.
+  void take(const std::string& path, std::string contents, std::vector<HTTPCookie>& answer) {
     const std::string& bytes = read_.emplace_back(std::move(contents));
     for (const BinaryCookie& cookie : parseBinaryCookies(bytes).cookies) {
       answer.push_back({records_.size(), std::string(cookie.name), std::string(cookie.domain)});
-      records_.push_back({file, cookie.record, false});
+      records_.push_back({&path, cookie.record, false});
     }
   }
 

@@ -20,9 +20,6 @@ namespace {
 using Path = std::optional<std::string>;
 using Paths = std::set<std::string>;
 
-// What Linux follows on one path; a Mac follows fewer.
-constexpr int kMostLinks = 40;
-
 /// The folder that stands in for the root of the file system.
 std::string rootIn(const ScratchFolder& scratch) {
   return scratch.path() + "/now";
@@ -97,16 +94,15 @@ class StandIn final : public FileManager {
 
  protected:
   std::string located(const std::string& path, bool followLinks) const override {
-    int links = 0;
     const bool isPath = path.find('\0') == std::string::npos;
-    const Path item = isPath ? resolve(realPath(path), followLinks, links) : std::nullopt;
+    const Path item = isPath ? resolve(realPath(path), followLinks) : std::nullopt;
     return !item ? "" : followLinks && isStore(nameOf(path)) ? storeAt(path, *item) : *item;
   }
 
  private:
   bool empties(const std::string& folder, Paths& parts) const;
   bool goes(const std::string& item, Paths& parts) const;
-  Path resolve(const std::string& path, bool followLast, int& links) const;
+  Path resolve(const std::string& path, bool followLast) const;
   std::string storeAt(const std::string& path, const std::string& item) const;
 
   const ScratchFolder& scratch_;
@@ -135,11 +131,11 @@ bool StandIn::goes(const std::string& item, Paths& parts) const {
 
 /// The path without links, "" for the root, of what the run finds at `path`, a real one; no value
 /// when that is nothing.
-Path StandIn::resolve(const std::string& path, bool followLast, int& links) const {
+Path StandIn::resolve(const std::string& path, bool followLast) const {
   if (path.find_first_not_of('/') == std::string::npos) {
     return "";
   }
-  Path folder = resolve(folderOf(path), true, links);
+  Path folder = resolve(folderOf(path), true);
   const std::string name = nameOf(path);
   if (!folder || name.empty() || name == ".") {
     return folder;
@@ -156,11 +152,12 @@ Path StandIn::resolve(const std::string& path, bool followLast, int& links) cons
   if (!fs::is_symlink(status) || !followLast) {
     return item;
   }
-  const std::string target = fs::read_symlink(item, error).native();
-  if (target.empty() || ++links > kMostLinks) {
+  // A link to nothing, or in a circle, is one that the system does not follow either.
+  if (!fs::exists(item, error)) {
     return std::nullopt;
   }
-  return resolve(target.starts_with('/') ? target : *folder + "/" + target, true, links);
+  const std::string target = fs::read_symlink(item, error).native();
+  return resolve(target.starts_with('/') ? target : *folder + "/" + target, true);
 }
 
 /// The copy of the store `item`, made when it is first asked for and to be found by `path`, the

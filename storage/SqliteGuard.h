@@ -34,8 +34,8 @@ class Allowance {
   /// Left for the result, in bytes.
   std::int64_t memory_ = std::numeric_limits<std::int64_t>::max();
   /// In nanoseconds of this thread's processor time.
-  std::int64_t time_ = 0;
-  std::int64_t end_ = 0;
+  std::int64_t time_{};
+  std::int64_t end_{};
 };
 
 }  // namespace tasselby
