@@ -237,7 +237,9 @@ Sites kept, each for a saved password:
 
 Report: 2 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache removed from Safari
 )");
-  Json json = Json::parse(run(scratch.home(), {PREVIEW_BINARY, "Firefox", "--json"}).output);
+  const std::string text = run(scratch.home(), {PREVIEW_BINARY, "Firefox", "--json"}).output;
+  EXPECT_TRUE(text.starts_with("{\n \"browser\": ")) << text;
+  Json json = Json::parse(text);
   json.erase("places");
   EXPECT_EQ(
       replaced(json.dump(), scratch.home(), "HOME"),
