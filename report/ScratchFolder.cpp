@@ -2,7 +2,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -26,9 +25,6 @@ namespace tasselby {
 namespace fs = std::filesystem;
 
 namespace {
-
-// For whatever is written beside the copies.
-constexpr std::uintmax_t kSpareRoom = std::uintmax_t{1} << 20;
 
 /// Makes `to` share the bytes of `from`; false where the file system cannot.
 bool clone(const std::string& from, const std::string& to) {
@@ -113,7 +109,8 @@ void ScratchFolder::copy(const std::string& from, const std::string& to) const {
   if (!fs::is_regular_file(from, error) || ::access(from.c_str(), R_OK) != 0) {
     return;
   }
-  if (3 * fs::file_size(from, error) + kSpareRoom > fs::space(path_, error).available) {
+  // For the copy, one more to compare with, and a journal.
+  if (3 * fs::file_size(from, error) > fs::space(path_, error).available) {
     throwNoRoom();
   }
   fs::create_directories(fs::path(to).parent_path(), error);
