@@ -107,7 +107,7 @@ TEST_F(Offline, KeychainAnswersWhatTheSystemKnowsAndTheOlderOnlyWithoutANewer) {
   KeychainError error;
   EXPECT_FALSE(WorkerExtras::accountsForService_error(*keychain, "a.test", &error));
   EXPECT_EQ(error.domain + std::to_string(error.code), "com.marrowgatestudios.Tasselby-25300");
-  fs::rename(home.file("damaged").path("damaged"), home.path(newer));
+  home.folder("Library/Keychains/nowhere");
   EXPECT_FALSE(WorkerExtras::allAccounts(*keychain));
 }
 

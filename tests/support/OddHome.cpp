@@ -1,7 +1,6 @@
 #include "tests/support/OddHome.h"
 
 #include <regex>
-#include <tuple>
 
 namespace tasselby {
 namespace {
@@ -78,12 +77,12 @@ Ss {Databases/http_socket.example_0,LocalStorage/https_socket.example_0.localsto
 + elsewhere/cookies.sqlite: moz_cookies (id INTEGER, host, name): - 1, 'gone.example', 'a'
 + elsewhere/signons.sqlite: moz_logins (hostname): - 'https://a.x.linked.example'
 = Library/Application Support/Firefox/Profiles/.hidden/
-+ signons.sqlite: moz_logins (hostname): - 'https://plain.com'; - 'http://localhost'; - NULL;
++ signons.sqlite: moz_logins (hostname): - 'https://plain.com'; - 'http://a.local'; - NULL;
   - x'61'; - 'file:///x'; - 'https://a.b.hidden.example'
 + cookies.sqlite: moz_cookies (id INTEGER, host, name): - NULL, 'gone.example', 'a';
   F 8, '.www.example.com', 'of a tracking cookie''s number'; Fk 8, 'www.example.com', 'of another host';
   F 9, 'x.linked.example', 'a'; F 8, 'plain.com', 'a';
-  Fk 9, 'http://localhost', 'a'; Fk 9, 'b.hidden.example', 'a'
+  Fk 9, 'http://a.local', 'a'; Fk 9, 'b.hidden.example', 'a'
 + webappsstore.sqlite: webappsstore2 (scope, key): - NULL, 1; - '', 1; - 'no scope', 1
 F webappsstore.sqlite: webappsstore2: 'elpmaxe.neddih.:http:80', {1,2,3,4,5,6,7,8}
 Fk webappsstore.sqlite: webappsstore2: 'moc.elpmaxe.:http:80', {1,2,3,4,5,6}
