@@ -80,12 +80,12 @@ ScratchFolder::ScratchFolder() {
     throwNoRoom();
   }
   held_ = ends[1];
-  keeper_ = ::fork();
-  if (keeper_ == 0) {
+  const pid_t keeper = ::fork();
+  if (keeper == 0) {
     ::close(held_);
     keepUntilReleased(path_, ends[0]);
   }
-  if (keeper_ < 0) {
+  if (keeper < 0) {
     fs::remove(path_, error);
     throwNoRoom();
   }
@@ -94,7 +94,7 @@ ScratchFolder::ScratchFolder() {
 
 ScratchFolder::~ScratchFolder() {
   ::close(held_);
-  ::waitpid(keeper_, nullptr, 0);
+  ::wait(nullptr);
 }
 
 void ScratchFolder::copyStore(const std::string& from, const std::string& to) const {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <sys/types.h>
 
 namespace tasselby {
 
@@ -31,7 +30,6 @@ class ScratchFolder {
   void copy(const std::string& from, const std::string& to) const;
 
   std::string path_;
-  pid_t keeper_;
   /// Open in this process alone.
   int held_;
 };

@@ -204,9 +204,8 @@ TEST_F(DisturbedRun, FoldersSwappedForLinksLeadNowhere) {
   }
   std::jthread swapper([&](const std::stop_token& end) {
     for (int i = 0; !end.stop_requested(); i = (i + 1) % 20) {
-      const std::string folder = cache + std::to_string(i);
-      const std::string link = scratch.path("links/" + std::to_string(i));
-      ::renameat2(AT_FDCWD, folder.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE);
+      const std::string name = std::to_string(i), link = scratch.path("links/" + name);
+      ::renameat2(AT_FDCWD, (cache + name).c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE);
     }
   });
   // Two milliseconds each, in which what was a folder becomes a link.

@@ -2,7 +2,6 @@
 // runs. What is to become of an item stands where the item is made; here it is only compared.
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
-#include <tuple>
 
 #include "samples/BinaryCookieWriter.h"
 #include "samples/KeychainWriter.h"
@@ -12,7 +11,7 @@
 namespace tasselby {
 namespace {
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 const std::string kFilm = "Library/Caches/QuickTime/downloads/film.mov";
 
@@ -81,7 +80,9 @@ class WholeRun : public ::testing::TestWithParam<std::tuple<std::string, bool, b
                      "Opera",
                      "--json"};
     const Fates fates(home);
-    const Json json = Json::parse(run(home.home(), command).output);
+    const std::string text = run(home.home(), command).output;
+    const Json json = Json::parse(text);
+    EXPECT_EQ(text, json.dump(1) + "\n");
     const Names none = {WORKER_BINARY, "", "safari", "Chrome", "Camino ", "-x"};
     EXPECT_EQ(run(home.home(), none).status, 0);
     fates.expectMet("");
@@ -241,8 +242,7 @@ Report: 2 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and
   json.erase("places");
   EXPECT_EQ(
       replaced(json.dump(), scratch.home(), "HOME"),
-      R"({"browser":"Firefox","endsHardAt":"","home":"HOME","kept":[{"from":"https://www.b.com in Firefox's profile p","site":"b.com"}],)"
-      R"("report":"1 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache removed from Firefox"})");
+      R"({"browser":"Firefox","home":"HOME","kept":[{"site":"b.com","from":"https://www.b.com in Firefox's profile p"}],"report":"1 Cookies (0 Tracking Cookies), 0 Databases, 0 Flash, 0 Silverlight, and Cache removed from Firefox","endsHardAt":""})");
   std::string refused;
   for (const char* setting : {"A=", "-uHOME", "HOME=/none", "TMPDIR=/none", "TMPDIR=/proc",
                               "-Sbash -c '\"$0\" $1 > /dev/full'"}) {

@@ -41,13 +41,12 @@ class OfflineUserDefaults final : public UserDefaults {
   /// Reads what has not been read yet: at the first question all, afterwards only suites added
   /// since. A file that cannot be read is no domain.
   void readDomains() const {
-    for (const std::string& name : unread_) {
+    for (const std::string& name : std::exchange(unread_, {})) {
       const std::string path = files_.expandTilde("~/Library/Preferences/" + name + ".plist");
       if (std::optional<std::string> list = files_.contentsOfFile(path, kFileLimit)) {
         domains_.push_back(*std::move(list));
       }
     }
-    unread_.clear();
   }
 
   std::map<std::string, bool> argumentDomain_;
